@@ -7,6 +7,8 @@
 
 namespace host {
 
+class Ledger;
+
 class Object {
  public:
   explicit Object(std::string className) : className_(std::move(className)) {}
@@ -21,14 +23,15 @@ class Object {
   int References() const { return references_; }
   bool Alive() const { return references_ > 0; }
 
-  // Reads or writes a property; false when the object has none of that name and type.
+  // Reads or writes a property, its name in any case; false when the object has none of that name
+  // and type.
   virtual bool GetInteger(const std::string& property, int& value) const;
   virtual bool GetBoolean(const std::string& property, bool& value) const;
   virtual bool SetInteger(const std::string& property, int value);
   virtual bool SetString(const std::string& property, Object* text);
 
   // The last reference is gone: gives up what the object owns.
-  virtual void OnDeath() {}
+  virtual void OnDeath(Ledger& /*ledger*/) {}
 
  private:
   friend class Ledger;
@@ -36,5 +39,14 @@ class Object {
   int number_ = 0;
   int references_ = 0;
 };
+
+// The handle that stands for an object outside the host, and null for null.
+template <typename Handle>
+Handle HandleOf(Object* object) {
+  return reinterpret_cast<Handle>(object);
+}
+
+// Whether two names are the same to the host's language, which ignores the case of ASCII letters.
+bool SameName(const std::string& a, const std::string& b);
 
 }  // namespace host

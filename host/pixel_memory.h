@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 namespace host {
 
@@ -11,7 +12,8 @@ enum class Guard {
   kBefore,  // the first byte is
 };
 
-// Owns zero-filled memory. Movable only.
+// Owns zero-filled memory. Movable only. Data() is aligned to 16 bytes, except with kAfter, where
+// it is as aligned as the size is.
 class PixelMemory {
  public:
   PixelMemory() = default;
@@ -23,14 +25,18 @@ class PixelMemory {
   unsigned char* Data() const { return data_; }
   std::size_t Size() const { return size_; }
 
-  // Every later access faults; the addresses are not given out again while this object lives.
+  // Every later access faults; the addresses are not given out again while this object lives. (In a
+  // process that has made very much memory inaccessible, the oldest addresses are free again.)
   void MakeInaccessible();
 
  private:
+  void Unmap();
+
   unsigned char* data_ = nullptr;
   std::size_t size_ = 0;
   void* mapping_ = nullptr;
   std::size_t mappingSize_ = 0;
+  std::uint64_t reservation_ = 0;  // non-zero once inaccessible
 };
 
 }  // namespace host

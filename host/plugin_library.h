@@ -7,6 +7,7 @@
 #include <variant>
 #include <vector>
 
+#include "host/native_call.h"
 #include "host/runtime.h"
 
 namespace host {
@@ -26,7 +27,8 @@ struct CallReport {
 class PluginLibrary {
  public:
   // Loads the library and calls its export with the runtime's resolver; the registration is then in
-  // runtime.Registered(). Throws std::runtime_error with one clear line.
+  // runtime.Registered(), in place of an earlier one. Throws std::runtime_error with one clear
+  // line. What a host entry throws meanwhile passes out unchanged, and the library is unloaded.
   PluginLibrary(Runtime& runtime, const std::string& path);
   ~PluginLibrary();  // unloads; process-wide variables of the plug-in start anew at the next load
   PluginLibrary(const PluginLibrary&) = delete;
@@ -35,28 +37,18 @@ class PluginLibrary {
   // By name in any case; null when not registered.
   const RegisteredMethod* Find(const std::string& name) const;
 
-  // Calls a method on a receiver with all declared parameters after it. Missing arguments at the
-  // end take the declared defaults. Throws std::invalid_argument for a wrong number or kind of
-  // argument; what a host entry throws passes out unchanged.
+  // Calls a method on a receiver (null for nil) with all declared parameters after it. Missing
+  // arguments at the end take the declared defaults. Integers are taken for doubles too. Throws
+  // std::invalid_argument for an unknown method and a wrong number or kind of argument; what a host
+  // entry throws passes out unchanged.
+  //
+  // A result picture carries one reference, which is the caller's to release. Bits of arguments
+  // that the calling convention leaves open hold noise.
   CallReport Call(const std::string& name, Picture* receiver, std::vector<Value> arguments);
 
  private:
   Runtime& runtime_;
   void* handle_ = nullptr;
 };
-
-// Calls any routine by the machine's C calling convention with integers, doubles and pointers. A
-// double or a Boolean result is asked for by type; Type::kPicture gives the raw handle.
-struct NativeResult {
-  std::uintptr_t word = 0;
-  double number = 0;
-};
-struct NativeArgument {
-  bool isDouble = false;
-  std::uintptr_t word = 0;
-  double number = 0;
-};
-NativeResult CallNative(REALroutine routine, const std::vector<NativeArgument>& arguments,
-                        Type result);
 
 }  // namespace host

@@ -15,6 +15,8 @@ struct RegisteredMethod {
   REALroutine routine = nullptr;
   Declaration declaration;
   std::uintptr_t flags = 0;
+  bool isSetter = false;  // of a class extension: the routine of the entry's assigns form
+  bool isShared = false;  // from the list of shared methods, which have no receiver
 };
 
 struct Registration {
@@ -30,6 +32,7 @@ struct Registration {
 };
 
 // Read the records as a host of that record version does (version 9: the older, shorter entries).
+// The methods replace those of an earlier record; problems are added.
 void ReadClassExtension(const REALclassDefinition& definition, Registration& registration);
 void ReadModule(const REALmoduleDefinition& definition, Registration& registration);
 

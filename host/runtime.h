@@ -40,16 +40,19 @@ struct EntryCall {
 
 enum class Verdict {
   kProceed,
-  kFail,  // the entry does nothing and answers its neutral result (0, null, false)
+  // The entry does nothing and answers its neutral result (0, null, false). Out-values get noise; a
+  // description lock on a host below 2012.0 leaves its half-made lock behind, as every failure
+  // there does.
+  kFail,
 };
 
 class Runtime {
  public:
-  explicit Runtime(RuntimeOptions options = {});
+  explicit Runtime(RuntimeOptions options = {});  // throws std::logic_error beside another one
   ~Runtime();
   Runtime(const Runtime&) = delete;
   Runtime& operator=(const Runtime&) = delete;
-  static Runtime& Current();
+  static Runtime& Current();  // throws std::logic_error when there is none
 
   // The resolver that a plug-in is given.
   static REALroutine Resolve(const char* entryName);
@@ -57,8 +60,12 @@ class Runtime {
   void Withhold(const std::string& entryName) { withheld_.insert(entryName); }
   void WithholdHostMethod(const std::string& declaration) { withheld_.insert(declaration); }
   void Offer(const std::string& entryName) { withheld_.erase(entryName); }
+  bool IsWithheld(const std::string& name) const { return withheld_.contains(name); }
   // Classes that "PluginNewInstance" and "pluginObjectType" do not know.
   void RemoveClass(const std::string& className) { removedClasses_.insert(className); }
+  // Whether the application has the class: the application class of its kind, pictures, graphics,
+  // exceptions; none that was removed.
+  bool HasClass(const std::string& className) const;
 
   // Called before each entry does its work; may throw (the exception passes through the plug-in).
   std::function<Verdict(const EntryCall&)> intercept;
@@ -69,12 +76,19 @@ class Runtime {
 
   // Makes a picture with one reference held by `taker`.
   Picture* NewPicture(const PictureSpec& spec, const std::string& taker = "test");
-  // The picture gets `mask` and takes over the caller's reference to it.
+  // The picture gets `mask` (or none, for null) and takes over the caller's reference to it. The
+  // reference on its earlier mask is given up.
   void SetMask(Picture* picture, Picture* mask);
   void Release(Object* object, const std::string& taker = "test");
 
+  // What the host itself makes: an opaque picture, one with an alpha channel, a mask (black).
+  PictureSpec NewPictureSpec(int width, int height) const;
+  PictureSpec NewAlphaPictureSpec(int width, int height) const;
+  PictureSpec NewMaskSpec(int width, int height) const;
+
   // Draws the sw×sh region at (sx, sy) of source scaled to w×h at (x, y) of target (nearest
-  // neighbour, clipped, alpha and mask blended over the target as a person would see it).
+  // neighbour, clipped, alpha and mask blended over the target as a person would see it). A region
+  // width or height of -10000 means the source's. Beyond its own edges a mask counts as opaque.
   void Draw(Picture* target, Picture* source, int x, int y, int w, int h, int sx, int sy, int sw,
             int sh);
 
@@ -89,9 +103,13 @@ class Runtime {
   void EnterMethod(const std::string& name);
   void LeaveMethod();
 
+  // The version as the plug-in knows it: 0 when "REALGetRBVersion" was withheld from it or failed.
+  double ReportedVersion() const { return reportedVersion_; }
+
  private:
   friend struct Entries;
   RuntimeOptions options_;
+  double reportedVersion_;
   std::set<std::string> withheld_;
   std::set<std::string> removedClasses_;
   Ledger ledger_;

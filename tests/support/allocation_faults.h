@@ -1,5 +1,5 @@
-// Watches the zero-filling allocations of the plug-in from outside, and makes chosen ones fail. The test
-// program defines the allocation function itself, so the plug-in needs no hook for it.
+// Watches the zero-filling allocations of the plug-in from outside, and makes chosen ones fail. The
+// test program defines the allocation function itself, so the plug-in needs no hook for it.
 #pragma once
 
 #include <cstddef>
@@ -7,8 +7,8 @@
 
 namespace support {
 
-// Counts the calls of `calloc` while it lives; one watch at a time, on one thread. Nothing but the plug-in
-// calls it then: host and tests allocate with `new`.
+// Counts the calls of `calloc` while it lives; one watch at a time, on one thread. Nothing but the
+// plug-in calls it then: host and tests allocate with `new`.
 class AllocationWatch {
  public:
   // Call number `failAt` (from 1) fails, and all later ones too if `andLater`. 0: none fails.

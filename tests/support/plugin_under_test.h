@@ -10,7 +10,8 @@ namespace support {
 // The built shared object, or the file that the environment variable VARNELL_PLUGIN names.
 std::string PluginPath();
 
-// A host with the plug-in loaded. `prepare`, when given, may withhold entries before the plug-in starts.
+// A host with the plug-in loaded. `prepare`, when given, may withhold entries before the plug-in
+// starts.
 class LoadedPlugin {
  public:
   explicit LoadedPlugin(host::RuntimeOptions options = {},

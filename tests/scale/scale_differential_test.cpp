@@ -1,0 +1,209 @@
+// ScaleZVQ against the oracles, bit for bit, on random pictures of every kind: noise of 1 to 67
+// pixels a side, padded rows, guarded memory, requests on both sides of the size. Counts what was
+// covered and fails on a gap.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tests/oracles/scale_method.h"
+#include "tests/support/pictures.h"
+#include "tests/support/plugin_under_test.h"
+
+namespace {
+
+using host::ApplicationKind;
+using oracle::Branch;
+using oracle::Image;
+
+constexpr int kCasesPerCell = 16;
+constexpr int kLargestSide = 67;
+
+const std::map<ApplicationKind, std::string> kKindNames = {{ApplicationKind::kDesktop, "desktop"},
+                                                           {ApplicationKind::kWeb, "web"},
+                                                           {ApplicationKind::kConsole, "console"},
+                                                           {ApplicationKind::kNone, "none"}};
+
+// What the request does to the picture; the fast branch is told apart by it.
+enum class Request { kSame, kSmooth, kShrink, kEnlarge, kMixed };
+const std::map<Request, std::string> kRequestNames = {{Request::kSame, "same"},
+                                                      {Request::kSmooth, "smooth"},
+                                                      {Request::kShrink, "shrink"},
+                                                      {Request::kEnlarge, "enlarge"},
+                                                      {Request::kMixed, "mixed"}};
+
+struct Cell {
+  ApplicationKind kind;
+  bool alpha;
+  int sourceFormat;
+  int resultFormat;
+  Request request;
+};
+
+class Random {
+ public:
+  explicit Random(std::uint32_t seed) : engine_(seed) {}
+  // A number in [low, high].
+  int Between(int low, int high) {
+    return low + static_cast<int>(engine_() % static_cast<std::uint32_t>(high - low + 1));
+  }
+  std::uint32_t Word() { return engine_(); }
+
+ private:
+  std::mt19937 engine_;
+};
+
+// A side length on the asked side of `side`, which must be above 1 for a smaller one.
+int Shrunk(Random& random, int side) { return random.Between(1, side - 1); }
+int Enlarged(Random& random, int side) { return random.Between(side + 1, 2 * side + 9); }
+
+Image Noise(Random& random, int format, int least) {
+  Image image = oracle::NewImage(random.Between(least, kLargestSide),
+                                 random.Between(least, kLargestSide), format);
+  for (auto& word : image.words) word = random.Word();
+  return image;
+}
+
+oracle::ScaleRequest MakeRequest(Random& random, const Cell& cell, const Image& source) {
+  oracle::ScaleRequest request;
+  request.width = source.width;
+  request.height = source.height;
+  request.hasAlpha = cell.alpha;
+  request.resultFormat = cell.resultFormat;
+  request.antiAlias = random.Between(0, 1) == 1;
+  switch (cell.request) {
+    case Request::kSame:
+      break;
+    case Request::kSmooth:
+    case Request::kEnlarge:
+      request.antiAlias = cell.request == Request::kSmooth;
+      request.width = Enlarged(random, source.width);
+      request.height = Enlarged(random, source.height);
+      break;
+    case Request::kShrink:
+      request.width = Shrunk(random, source.width);
+      request.height = Shrunk(random, source.height);
+      break;
+    case Request::kMixed:
+      request.width = Shrunk(random, source.width);
+      request.height = Enlarged(random, source.height);
+      if (random.Between(0, 1) == 1) {
+        request.width = Enlarged(random, source.width);
+        request.height = Shrunk(random, source.height);
+      }
+      break;
+  }
+  return request;
+}
+
+host::Guard AnyGuard(Random& random) {
+  return random.Between(0, 1) == 0 ? host::Guard::kAfter : host::Guard::kBefore;
+}
+
+// Empty when the plug-in gave what the oracle gives.
+std::string RunCase(support::LoadedPlugin& plugin, Random& random, const Cell& cell) {
+  const bool needsTwo = cell.request == Request::kShrink || cell.request == Request::kMixed;
+  const Image image = Noise(random, cell.sourceFormat, needsTwo ? 2 : 1);
+  const oracle::ScaleRequest request = MakeRequest(random, cell, image);
+  host::PictureSpec spec;
+  spec.rowPadding = 4 * random.Between(0, 5);
+  spec.guard = AnyGuard(random);
+  spec.hasAlphaChannel = cell.alpha;
+  host::Picture* source = support::PictureOf(plugin.Host(), image, spec);
+  const auto expected = oracle::ScaleMethod(image, request);
+  const host::CallReport report = plugin.Library().Call(
+      "ScaleZVQ", source, {request.width, request.height, request.antiAlias, 0});
+
+  std::string problem = support::Complaints(report);
+  host::Picture* result = report.ResultPicture();
+  const Branch wanted = cell.request == Request::kSame     ? Branch::kSame
+                        : cell.request == Request::kSmooth ? Branch::kSmooth
+                                                           : Branch::kFast;
+  if (result == nullptr) {
+    problem += "nil";
+  } else if (expected->branch != wanted) {
+    problem += "the case took another branch than its cell";
+  } else {
+    problem += support::Difference(expected->image, support::ImageOf(*result));
+    problem += support::Difference(image, support::ImageOf(*source));
+    if (result->DamagedPadding() + source->DamagedPadding() != 0) problem += "padding was written";
+    plugin.Host().Release(result);
+  }
+  if (source->Alive()) plugin.Host().Release(source);
+  return problem;
+}
+
+std::vector<Cell> AllCells() {
+  std::vector<Cell> cells;
+  for (const auto& [kind, kindName] : kKindNames) {
+    const bool buffers = kind == ApplicationKind::kWeb || kind == ApplicationKind::kConsole;
+    for (const bool alpha : {false, true}) {
+      std::vector<int> formats = {8};
+      if (!buffers) formats = alpha ? std::vector<int>{1, 2} : std::vector<int>{1, 2, 3, 4, 5, 6};
+      for (int source : formats) {
+        for (int result : formats) {
+          for (const auto& [request, requestName] : kRequestNames) {
+            cells.push_back({kind, alpha, source, result, request});
+          }
+        }
+      }
+    }
+  }
+  return cells;
+}
+
+std::string RowName(const Cell& cell) {
+  return kKindNames.at(cell.kind) + (cell.alpha ? " alpha " : " opaque ") +
+         std::to_string(cell.sourceFormat) + " -> " + std::to_string(cell.resultFormat);
+}
+
+void PrintCoverage(const std::map<std::string, std::map<Request, int>>& covered) {
+  std::printf("%-24s", "kind, source -> result");
+  for (const auto& [request, name] : kRequestNames) std::printf("%9s", name.c_str());
+  std::printf("\n");
+  for (const auto& [row, counts] : covered) {
+    std::printf("%-24s", row.c_str());
+    for (const auto& [request, name] : kRequestNames) {
+      const auto found = counts.find(request);
+      std::printf("%9d", found == counts.end() ? 0 : found->second);
+    }
+    std::printf("\n");
+  }
+}
+
+TEST(ScaleZVQ, MatchesTheOracleForEveryKindFormatAndBranch) {
+  std::map<std::string, std::map<Request, int>> covered;
+  int total = 0;
+  std::uint32_t seed = 20130400;
+  for (const Cell& cell : AllCells()) {
+    Random random(++seed);
+    host::RuntimeOptions options;
+    options.kind = cell.kind;
+    options.newPixelFormat = cell.resultFormat;
+    options.alphaPixelFormat = cell.resultFormat;
+    options.newRowPadding = 4 * random.Between(0, 3);
+    options.newGuard = AnyGuard(random);
+    support::LoadedPlugin plugin(options);
+    for (int k = 0; k < kCasesPerCell; ++k) {
+      ASSERT_EQ(RunCase(plugin, random, cell), "")
+          << RowName(cell) << ", " << kRequestNames.at(cell.request) << ", seed " << seed
+          << ", case " << k;
+      ++covered[RowName(cell)][cell.request];
+      ++total;
+    }
+  }
+  PrintCoverage(covered);
+  std::printf("%d cases, none differing\n", total);
+  EXPECT_EQ(covered.size(), 2U * (36 + 4) + 2U * 2) << "a row of the table is missing";
+  for (const auto& [row, counts] : covered) {
+    for (const auto& [request, name] : kRequestNames) {
+      const auto found = counts.find(request);
+      EXPECT_TRUE(found != counts.end() && found->second == kCasesPerCell) << row << ", " << name;
+    }
+  }
+}
+
+}  // namespace
