@@ -1,0 +1,27 @@
+// Registration hands memory over for good, and leaves behind what it made when it fails half-way.
+#pragma once
+
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/lsan_interface.h>
+#endif
+
+namespace plugin_test {
+
+// What is allocated while it lives is not reported as leaked.
+class DeliberateLeftovers {
+ public:
+  DeliberateLeftovers() {
+#if defined(__SANITIZE_ADDRESS__)
+    __lsan_disable();
+#endif
+  }
+  ~DeliberateLeftovers() {
+#if defined(__SANITIZE_ADDRESS__)
+    __lsan_enable();
+#endif
+  }
+  DeliberateLeftovers(const DeliberateLeftovers&) = delete;
+  DeliberateLeftovers& operator=(const DeliberateLeftovers&) = delete;
+};
+
+}  // namespace plugin_test
