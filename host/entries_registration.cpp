@@ -45,7 +45,14 @@ void RegisterClassExtension(REALclassDefinition* definition) {
 void RegisterPluginVersion(std::int32_t recordVersion) {
   EntryScope call("RegisterPluginVersion", Kind::kNoResult,
                   Listed("RegisterPluginVersion", {Shown(recordVersion)}));
-  if (!call.Failed()) call.Host().Registered().announcedVersion = recordVersion;
+  if (call.Failed()) return;
+  Registration& registration = call.Host().Registered();
+  registration.announcedVersion = recordVersion;
+  if (recordVersion > NewestRecordVersion(call.Host().ReportedVersion())) {
+    registration.problems.push_back("The announced record version " +
+                                    std::to_string(recordVersion) +
+                                    " is newer than this host knows.");
+  }
 }
 
 double GetVersion() {

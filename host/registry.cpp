@@ -140,6 +140,13 @@ class RecordReader {
 
 }  // namespace
 
+int NewestRecordVersion(double hostVersion) {
+  if (hostVersion >= 2013.04) return kNewestVersion;
+  if (hostVersion >= 2013.03) return 12;
+  if (hostVersion >= 2013.0) return kFirstModuleVersion;
+  return hostVersion >= 2012.0 ? 10 : kOldVersion;
+}
+
 void ReadClassExtension(const REALclassDefinition& definition, Registration& registration) {
   registration.path = Registration::Path::kClassExtension;
   registration.classFlags = definition.flags;

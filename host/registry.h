@@ -31,6 +31,9 @@ struct Registration {
   std::vector<std::string> problems;  // what was wrong with a record, one sentence each
 };
 
+// The newest record version that a host of that version knows; every host knows the older ones.
+int NewestRecordVersion(double hostVersion);
+
 // Read the records as a host of that record version does (version 9: the older, shorter entries).
 // The methods replace those of an earlier record; problems are added.
 void ReadClassExtension(const REALclassDefinition& definition, Registration& registration);

@@ -110,6 +110,19 @@ TEST_F(OldHostPictureEntries, AFailedLockOwesExactlyOneUnlock) {
   EXPECT_EQ(runtime_.Book().Violations().size(), 1u);
 }
 
+TEST(PictureEntriesOfBothAges, HalfMadeLocksEndWithVersion2012) {
+  for (const double version : {2011.9999, 2012.0}) {
+    RuntimeOptions options;
+    options.version = version;
+    Runtime runtime(options);
+    Picture* picture = runtime.NewPicture({});
+    REALpictureDescription description{};
+    EntryOf<REALLockPictureDescriptionEntry>("REALLockPictureDescription")(Handle(picture),
+                                                                           &description, 10);
+    EXPECT_EQ(runtime.Book().DescriptionLocks(picture), version < 2012.0 ? 1 : 0) << version;
+  }
+}
+
 TEST_F(OldHostPictureEntries, AnInterceptedLockOwesItsUnlockToo) {
   Picture* picture = runtime_.NewPicture({});
   runtime_.intercept = [](const EntryCall& call) {

@@ -38,6 +38,19 @@ TEST(RegistrationEntries, RecordsAreReadAndCounted) {
   EXPECT_TRUE(runtime.Registered().problems.empty());
 }
 
+TEST(RegistrationEntries, AVersionNewerThanTheHostKnowsIsAProblem) {
+  RuntimeOptions options;
+  options.version = 2012.0;
+  Runtime runtime(options);
+  const auto announce = EntryOf<RegisterPluginVersionEntry>("RegisterPluginVersion");
+  announce(10);
+  EXPECT_TRUE(runtime.Registered().problems.empty());
+  announce(11);
+  EXPECT_EQ(
+      runtime.Registered().problems,
+      std::vector<std::string>{"The announced record version 11 is newer than this host knows."});
+}
+
 TEST(RegistrationEntries, RecordsThatCannotBeReadAreProblems) {
   Runtime runtime;
   EntryOf<PluginRegisterModuleEntry>("PluginRegisterModule")(nullptr);

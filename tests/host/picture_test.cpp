@@ -174,6 +174,20 @@ TEST(PictureDeath, ADeadPictureGivesUpItsMaskAndItsMemory) {
   EXPECT_TRUE(book.Violations().empty());
 }
 
+TEST(PictureDeath, TheRecordsOfADeadPicturesLocksFaultToo) {
+  Ledger book;
+  auto* picture = book.Add(std::make_unique<Picture>(Spec(4, 4, Storage::kHostBuffer)), "test");
+  REALpictureDescription description{};
+  ASSERT_TRUE(picture->Describe(kDescriptionHostBuffer, description));
+  auto* const record = static_cast<unsigned char*>(description.handle);
+  auto* const table =
+      reinterpret_cast<unsigned char*>(static_cast<REALhostBuffer*>(description.handle)->rowTable);
+  Touch(table + 4);
+  book.Unlock(picture, "test");
+  EXPECT_FAULT(Touch(record));
+  EXPECT_FAULT(Touch(table));
+}
+
 TEST(Picture, CountsCacheClears) {
   Picture picture(Spec(1, 1));
   picture.ClearCache();

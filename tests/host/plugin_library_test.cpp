@@ -163,6 +163,15 @@ TEST(PluginLibrary, StartsAnewWithEveryLoad) {
   }
 }
 
+TEST(PluginLibrary, ARegistrationTakesThePlaceOfAnEarlierOne) {
+  Runtime runtime;
+  { const PluginLibrary library(runtime, TrialPath("host_trial_module")); }
+  const PluginLibrary library(runtime, TrialPath("host_trial_class9"));
+  EXPECT_EQ(runtime.Registered().calls, 1);
+  EXPECT_EQ(runtime.Registered().path, Registration::Path::kClassExtension);
+  EXPECT_EQ(runtime.Registered().methods.size(), 13u);
+}
+
 TEST(PluginLibrary, TellsInOneLineWhyItCannotBeLoaded) {
   const std::string missing = TrialPath("no_such");
   EXPECT_EQ(LoadError(missing), missing + ": no such file");

@@ -194,6 +194,15 @@ TEST(Registry, EveryFaultIsOneSentence) {
   }
 }
 
+TEST(Registry, EveryHostVersionKnowsItsNewestRecords) {
+  const std::pair<double, int> rows[] = {
+      {0.0, 9},        {2011.9999, 9}, {2012.0, 10},    {2012.9999, 10}, {2013.0, 11},
+      {2013.0299, 11}, {2013.03, 12},  {2013.0399, 12}, {2013.04, 13},   {3000.0, 13}};
+  for (const auto& [version, newest] : rows) {
+    EXPECT_EQ(NewestRecordVersion(version), newest) << version;
+  }
+}
+
 TEST(Registry, UnknownRecordVersionsAreAProblem) {
   for (const int version : {0, 8, 14}) {
     Words methods;

@@ -2,6 +2,7 @@
 // What is registered, and how, is chosen when it is compiled.
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 
 #include "platform/bitmap_context.h"
 #include "platform/bundles.h"
@@ -82,13 +83,14 @@ std::int32_t ContextWidth(REALpicture self) {
   }
   const std::size_t width = CGBitmapContextGetWidth(static_cast<CGContextRef>(description.handle));
   Get<UnlockPictureDescriptionEntry>("unlockPictureDescription")(self);
-  const bool symbols = kCFAllocatorSystemDefault != nullptr &&
-                       __CFConstantStringClassReference != nullptr && TickCount() > 0;
+  const void* const volatile constantClass = __CFConstantStringClassReference;
+  const bool symbols =
+      kCFAllocatorSystemDefault != nullptr && constantClass != nullptr && TickCount() > 0;
+  if (!symbols) return -2;
 #if defined(TRIAL_UNRESOLVED)
   return NobodyDefinesThis();
-#else
-  return symbols ? static_cast<std::int32_t>(width) : -2;
 #endif
+  return static_cast<std::int32_t>(width);
 }
 
 struct Row {

@@ -164,7 +164,7 @@ TEST(HostException, FromTheExtraUnlockOfADestinationStillUnlocksTheSource) {
 }
 
 TEST(HostException, DuringACopyOfACopyGivesUpAllCopies) {
-  for (int number = 1; number <= 60; ++number) {
+  for (int number = 1; number <= 70; ++number) {
     LinkedHost host(Unknown());
     host.runtime.adjustNewPicture = [](host::PictureSpec& spec) {
       spec.storage = host::Storage::kHostBuffer;

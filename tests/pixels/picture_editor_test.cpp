@@ -249,6 +249,21 @@ TEST(OldHost, AFailedContextLockIsUnlockedBelow2012Only) {
   }
 }
 
+TEST(OldHost, ALockRoutineThatIsMissingCountsAsAFailedLock) {
+  for (const double version : {2011.9, 2012.0}) {
+    LinkedHost host(Desktop(version));
+    host.KnowKind();
+    host.runtime.Withhold("REALLockPictureDescription");
+    host::Picture* picture = host.Make(Context(2, 2));
+    PictureWriter writer;
+    EXPECT_EQ(writer.GetPictureEditor(HandleOf(picture), 0, 1), 0);
+    Lines expected = {"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = 1"};
+    if (version < 2012.0) expected.push_back("unlockPictureDescription(Picture#1)");
+    EXPECT_EQ(host.Calls(), expected);
+    EXPECT_EQ(picture->References(), 1);
+  }
+}
+
 TEST(OldHost, ASuccessfulLockIsUnlockedOnceOnly) {
   LinkedHost host(Desktop(2011.9));
   host.KnowKind();

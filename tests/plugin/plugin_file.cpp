@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "tests/plugin/leftovers.h"
+#include "tests/plugin/thread_identity_count.h"
 #include "tests/support/plugin_under_test.h"
 
 namespace plugin_test {
@@ -51,7 +52,9 @@ void PluginFile::Start() {
   const DeliberateLeftovers leftovers;
   void* start = dlsym(handle_, "REALPluginMain");
   if (start == nullptr) throw std::runtime_error(dlerror());
+  const int before = plugin_test::ThreadIdentityCalls();
   reinterpret_cast<void (*)(REALresolver)>(start)(FakeHost::Resolve);
+  threadIdentityCalls_ = plugin_test::ThreadIdentityCalls() - before;
 }
 
 bool PluginFile::Contains(std::uintptr_t address) const {

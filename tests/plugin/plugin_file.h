@@ -19,11 +19,14 @@ class PluginFile {
 
   // Calls the export, as often as wanted. What it leaves behind counts as meant.
   void Start();
+  // How often the last start asked for the thread's identity.
+  int ThreadIdentityCalls() const { return threadIdentityCalls_; }
   // Whether an address lies within this file's code or data.
   bool Contains(std::uintptr_t address) const;
 
  private:
   void* handle_;
+  int threadIdentityCalls_ = 0;
 };
 
 // A record as the host was handed it.

@@ -44,7 +44,9 @@ TEST(RestartedPlugin, RegistersAWholeNewModuleEachTime) {
   file.Start();
   file.Start();
   ASSERT_EQ(host.Records().size(), 3u);
-  for (const Received& received : host.Records()) ExpectModule(received, 13, 20);
+  for (const Received& received : host.Records()) {
+    ASSERT_NO_FATAL_FAILURE(ExpectModule(received, 13, 20));
+  }
   EXPECT_NE(host.Records()[0].address, host.Records()[1].address);
 }
 
@@ -55,7 +57,9 @@ TEST(RestartedPlugin, ConvertsItsRecordOnce) {
   file.Start();
   file.Start();
   ASSERT_EQ(host.Records().size(), 3u);
-  for (const Received& received : host.Records()) ExpectClass(received, 9, 4, 4);
+  for (const Received& received : host.Records()) {
+    ASSERT_NO_FATAL_FAILURE(ExpectClass(received, 9, 4, 4));
+  }
   EXPECT_EQ(host.Records()[0].words, host.Records()[2].words);
 }
 
@@ -65,7 +69,7 @@ TEST(RestartedPlugin, RegistersItsOwnRecordAgain) {
   file.Start();
   file.Start();
   ASSERT_EQ(host.Records().size(), 2u);
-  ExpectClass(host.Records()[0], 10, 6, 4);
+  ASSERT_NO_FATAL_FAILURE(ExpectClass(host.Records()[0], 10, 6, 4));
   EXPECT_EQ(host.Records()[0].words, host.Records()[1].words);
 }
 
@@ -78,9 +82,9 @@ TEST(RestartedPlugin, KeepsTheFlagsOfItsFirstStart) {
   host.SetVersion(2009.0);
   file.Start();
   ASSERT_EQ(host.Records().size(), 3u);
-  ExpectClass(host.Records()[0], 10, 6, 4);
-  ExpectModule(host.Records()[1], 13, 20);
-  ExpectClass(host.Records()[2], 9, 4, 4);
+  ASSERT_NO_FATAL_FAILURE(ExpectClass(host.Records()[0], 10, 6, 4));
+  ASSERT_NO_FATAL_FAILURE(ExpectModule(host.Records()[1], 13, 20));
+  ASSERT_NO_FATAL_FAILURE(ExpectClass(host.Records()[2], 9, 4, 4));
 }
 
 // Longer entries cannot be read from a list of shorter ones.
@@ -95,7 +99,7 @@ TEST(RestartedPlugin, NeverHandsAConvertedRecordToAHostThatReadsLongerEntries) {
     host.SetVersion(2009.0);
     file.Start();
     ASSERT_EQ(host.Records().size(), 2u) << later;
-    ExpectClass(host.Records()[1], 9, 4, 0);
+    ASSERT_NO_FATAL_FAILURE(ExpectClass(host.Records()[1], 9, 4, 0));
   }
 }
 
@@ -109,7 +113,7 @@ TEST(RestartedPlugin, ConvertsLaterWhatItCouldNotConvertAtFirst) {
   EXPECT_TRUE(host.Records().empty());
   file.Start();
   ASSERT_EQ(host.Records().size(), 1u);
-  ExpectClass(host.Records()[0], 9, 4, 4);
+  ASSERT_NO_FATAL_FAILURE(ExpectClass(host.Records()[0], 9, 4, 4));
 }
 
 TEST(RestartedPlugin, StartsAnewWhenItWasUnloaded) {
@@ -122,7 +126,7 @@ TEST(RestartedPlugin, StartsAnewWhenItWasUnloaded) {
   PluginFile file;
   file.Start();
   ASSERT_EQ(host.Records().size(), 2u);
-  ExpectModule(host.Records()[1], 13, 20);
+  ASSERT_NO_FATAL_FAILURE(ExpectModule(host.Records()[1], 13, 20));
 }
 
 }  // namespace

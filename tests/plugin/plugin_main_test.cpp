@@ -4,12 +4,14 @@
 
 #include <limits>
 
+#include "tests/plugin/leftovers.h"
 #include "tests/plugin/plugin_file.h"
 #include "tests/support/plugin_under_test.h"
 
 namespace {
 
 using host::Registration;
+using plugin_test::DeliberateLeftovers;
 using plugin_test::kDeclarations;
 using plugin_test::kExtendedDeclarations;
 using support::LoadedPlugin;
@@ -101,6 +103,7 @@ TEST(LoadedPlugin, DoesWithoutTheEntriesThatTheHostLacks) {
       {3000.0, "PluginRegisterClassExtension", 0, 13, Registration::Path::kNone},
   };
   for (const WithheldCase& row : cases) {
+    const DeliberateLeftovers leftovers;  // a module that no host took
     LoadedPlugin loaded(HostOf(row.version),
                         [&row](host::Runtime& runtime) { runtime.Withhold(row.entry); });
     const Registration& registered = loaded.Host().Registered();

@@ -82,7 +82,7 @@ TEST(StartedPlugin, GivesHosts2012ItsOwnRecord) {
   EXPECT_EQ(host.Lines(), ClassExtensionLines("10"));
   ASSERT_EQ(host.Records().size(), 1u);
   const Received& received = host.Records()[0];
-  ExpectClassWords(received, 10, 4);
+  ASSERT_NO_FATAL_FAILURE(ExpectClassWords(received, 10, 4));
   ExpectMethods(file, received.words[9], 6, kDeclarations, 4);
   EXPECT_TRUE(file.Contains(received.address));
   EXPECT_TRUE(file.Contains(received.words[9]));
@@ -94,7 +94,7 @@ TEST(StartedPlugin, GivesHostsFrom3000OnItsOwnRecordWithTheNewestVersion) {
   file.Start();
   EXPECT_EQ(host.Lines(), ClassExtensionLines("13"));
   ASSERT_EQ(host.Records().size(), 1u);
-  ExpectClassWords(host.Records()[0], 13, 4);
+  ASSERT_NO_FATAL_FAILURE(ExpectClassWords(host.Records()[0], 13, 4));
   ExpectMethods(file, host.Records()[0].words[9], 6, kDeclarations, 4);
 }
 
@@ -105,7 +105,7 @@ TEST(StartedPlugin, GivesOlderHostsFourWordMethods) {
   EXPECT_EQ(host.Lines(), ClassExtensionLines("9"));
   ASSERT_EQ(host.Records().size(), 1u);
   const Received& received = host.Records()[0];
-  ExpectClassWords(received, 9, 4);
+  ASSERT_NO_FATAL_FAILURE(ExpectClassWords(received, 9, 4));
   ExpectMethods(file, received.words[9], 4, kDeclarations, 4);
   EXPECT_TRUE(file.Contains(received.address));
   EXPECT_FALSE(file.Contains(received.words[9]));
@@ -116,7 +116,7 @@ TEST(StartedPlugin, GivesTheOldestHostsNoFlags) {
   PluginFile file;
   file.Start();
   ASSERT_EQ(host.Records().size(), 1u);
-  ExpectClassWords(host.Records()[0], 9, 0);
+  ASSERT_NO_FATAL_FAILURE(ExpectClassWords(host.Records()[0], 9, 0));
   ExpectMethods(file, host.Records()[0].words[9], 4, kDeclarations, 0);
 }
 
@@ -130,7 +130,7 @@ TEST(StartedPlugin, TreatsAHostWithoutAVersionAsTheOldest) {
                    "RegisterPluginVersion(9)", "resolve(PluginRegisterClassExtension)",
                    "PluginRegisterClassExtension"}));
   ASSERT_EQ(host.Records().size(), 1u);
-  ExpectClassWords(host.Records()[0], 9, 0);
+  ASSERT_NO_FATAL_FAILURE(ExpectClassWords(host.Records()[0], 9, 0));
   ExpectMethods(file, host.Records()[0].words[9], 4, kDeclarations, 0);
 }
 
@@ -144,6 +144,15 @@ TEST(StartedPlugin, RegistersAlsoWhereNoVersionCanBeAnnounced) {
                                  "PluginRegisterModule"}));
   ASSERT_EQ(host.Records().size(), 1u);
   EXPECT_EQ(host.Records()[0].words[0], 13u);
+}
+
+TEST(StartedPlugin, AsksForTheIdentityOfItsThreadOnce) {
+  for (const double version : {0.0, 2012.0, 2013.04, 3000.0}) {
+    const RegisteringHost host(version);
+    PluginFile file;
+    file.Start();
+    EXPECT_EQ(file.ThreadIdentityCalls(), 1) << version;
+  }
 }
 
 struct MissingCase {

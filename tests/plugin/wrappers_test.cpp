@@ -90,6 +90,7 @@ struct WrapperCase {
   std::string (*call)();  // with telling arguments; the result as text
   REALroutine (*held)();
   std::string arguments, result, neutral;
+  friend void PrintTo(const WrapperCase& row, std::ostream* stream) { *stream << row.wrapper; }
 };
 
 // clang-format off
@@ -121,7 +122,8 @@ const WrapperCase kCases[] = {
   {"REALGetPropValueBoolean", {"REALGetPropValueBool"}, Of(ReadBoolean),
    [] { return Answer<REALGetPropValueBoolean>(kObject, kName); },
    Held<pGetPropValueBoolean>, Show(kObject, kName), "true", "false"},
-  {"REALSetPropValueInteger", {"REALSetPropValueInteger", "REALSetPropValueInt"}, Of<REALSetPropValueIntegerEntry>(),
+  {"REALSetPropValueInteger", {"REALSetPropValueInteger", "REALSetPropValueInt"},
+   Of<REALSetPropValueIntegerEntry>(),
    [] { return Answer<REALSetPropValueInteger>(kObject, kName, kLeast); },
    Held<pSetPropValueInteger>, Show(kObject, kName, kLeast), "none", "none"},
   {"REALSetPropValueString", {"REALSetPropValueString"}, Of<REALSetPropValueStringEntry>(),
