@@ -21,8 +21,8 @@ struct NativeArgument {
 };
 
 // Calls any routine by the machine's C calling convention with integers, doubles and pointers.
-// Throws std::invalid_argument for more arguments than about two dozen; what the routine throws
-// passes out.
+// Throws std::invalid_argument for arguments of more than 24 words (on i386; beyond the registers
+// on x86-64); what the routine throws passes out.
 NativeResult CallNative(REALroutine routine, const std::vector<NativeArgument>& arguments,
                         Type result);
 

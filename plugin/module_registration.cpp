@@ -61,7 +61,7 @@ const char* NewModuleName(const char* className) {
 }  // namespace
 
 void RegisterModule(const REALclassDefinition& definition) {
-  if (definition.methodCount == 0) return;
+  if (definition.methods == nullptr || definition.methodCount == 0) return;
   auto* module = static_cast<REALmoduleDefinition*>(AllocateZeroed(sizeof(REALmoduleDefinition)));
   if (module == nullptr) return;
   const auto* methods = static_cast<const REALmethodDefinition*>(definition.methods);

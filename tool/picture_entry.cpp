@@ -30,9 +30,7 @@ host::Picture* EnterHost(host::Runtime& runtime, const Bitmap& bitmap, AlphaEntr
   host::Picture* picture = runtime.NewPicture(spec, kTaker);
   for (int y = 0; y < bitmap.height; ++y) {
     for (int x = 0; x < bitmap.width; ++x) {
-      host::Rgba pixel = bitmap.At(x, y);
-      if (!channel) pixel.a = 255;
-      picture->Set(x, y, pixel);
+      picture->Set(x, y, bitmap.At(x, y));  // opaque pictures take no alpha
     }
   }
   if (bitmap.hasAlpha && alpha == AlphaEntry::kMask) {

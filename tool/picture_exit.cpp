@@ -10,7 +10,6 @@ Bitmap LeaveHost(const host::Picture& picture) {
   for (int y = 0; y < bitmap.height; ++y) {
     for (int x = 0; x < bitmap.width; ++x) {
       host::Rgba pixel = picture.Get(x, y);
-      if (!picture.HasAlphaChannel()) pixel.a = 255;
       if (mask != nullptr && x < mask->Width() && y < mask->Height()) {
         pixel.a = std::uint8_t((pixel.a * (255 - mask->Get(x, y).r) + 127) / 255);
       }

@@ -1,17 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "host/picture.h"
+#include "tests/host/faults.h"
 
 namespace host {
 namespace {
-
-#if defined(__SANITIZE_ADDRESS__)
-#define EXPECT_FAULT(statement) EXPECT_DEATH(statement, "")
-#else
-#define EXPECT_FAULT(statement) EXPECT_EXIT(statement, testing::KilledBySignal(SIGSEGV), "")
-#endif
 
 PictureSpec Spec(Storage storage) {
   PictureSpec spec;

@@ -2,22 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <new>
 #include <set>
 #include <stdexcept>
 
 #include "host/ledger.h"
+#include "tests/host/faults.h"
 
 namespace host {
 namespace {
-
-#if defined(__SANITIZE_ADDRESS__)
-#define EXPECT_FAULT(statement) EXPECT_DEATH(statement, "")
-#else
-#define EXPECT_FAULT(statement) EXPECT_EXIT(statement, testing::KilledBySignal(SIGSEGV), "")
-#endif
-
-void Touch(volatile unsigned char* at) { *at = static_cast<unsigned char>(*at + 1); }
 
 PictureSpec Spec(int width, int height, Storage storage = Storage::kBitmapContext) {
   PictureSpec spec;

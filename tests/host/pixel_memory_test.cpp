@@ -1,25 +1,18 @@
 #include "host/pixel_memory.h"
 
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <unistd.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <new>
 #include <utility>
+#include <vector>
+
+#include "tests/host/faults.h"
 
 namespace host {
 namespace {
-
-// Touches one byte, visibly to the outside.
-void Touch(volatile unsigned char* at) { *at = static_cast<unsigned char>(*at + 1); }
-
-#if defined(__SANITIZE_ADDRESS__)
-#define EXPECT_FAULT(statement) EXPECT_DEATH(statement, "")
-#else
-#define EXPECT_FAULT(statement) EXPECT_EXIT(statement, testing::KilledBySignal(SIGSEGV), "")
-#endif
 
 constexpr Guard kGuards[] = {Guard::kNone, Guard::kAfter, Guard::kBefore};
 

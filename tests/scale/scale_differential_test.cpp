@@ -5,19 +5,20 @@
 
 #include <cstdio>
 #include <map>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "tests/oracles/scale_method.h"
 #include "tests/support/pictures.h"
 #include "tests/support/plugin_under_test.h"
+#include "tests/support/random.h"
 
 namespace {
 
 using host::ApplicationKind;
 using oracle::Branch;
 using oracle::Image;
+using support::Random;
 
 constexpr int kCasesPerCell = 16;
 constexpr int kLargestSide = 67;
@@ -43,29 +44,9 @@ struct Cell {
   Request request;
 };
 
-class Random {
- public:
-  explicit Random(std::uint32_t seed) : engine_(seed) {}
-  // A number in [low, high].
-  int Between(int low, int high) {
-    return low + static_cast<int>(engine_() % static_cast<std::uint32_t>(high - low + 1));
-  }
-  std::uint32_t Word() { return engine_(); }
-
- private:
-  std::mt19937 engine_;
-};
-
 // A side length on the asked side of `side`, which must be above 1 for a smaller one.
 int Shrunk(Random& random, int side) { return random.Between(1, side - 1); }
 int Enlarged(Random& random, int side) { return random.Between(side + 1, 2 * side + 9); }
-
-Image Noise(Random& random, int format, int least) {
-  Image image = oracle::NewImage(random.Between(least, kLargestSide),
-                                 random.Between(least, kLargestSide), format);
-  for (auto& word : image.words) word = random.Word();
-  return image;
-}
 
 oracle::ScaleRequest MakeRequest(Random& random, const Cell& cell, const Image& source) {
   oracle::ScaleRequest request;
@@ -73,7 +54,7 @@ oracle::ScaleRequest MakeRequest(Random& random, const Cell& cell, const Image& 
   request.height = source.height;
   request.hasAlpha = cell.alpha;
   request.resultFormat = cell.resultFormat;
-  request.antiAlias = random.Between(0, 1) == 1;
+  request.antiAlias = random.Coin();
   switch (cell.request) {
     case Request::kSame:
       break;
@@ -90,7 +71,7 @@ oracle::ScaleRequest MakeRequest(Random& random, const Cell& cell, const Image& 
     case Request::kMixed:
       request.width = Shrunk(random, source.width);
       request.height = Enlarged(random, source.height);
-      if (random.Between(0, 1) == 1) {
+      if (random.Coin()) {
         request.width = Enlarged(random, source.width);
         request.height = Shrunk(random, source.height);
       }
@@ -99,18 +80,16 @@ oracle::ScaleRequest MakeRequest(Random& random, const Cell& cell, const Image& 
   return request;
 }
 
-host::Guard AnyGuard(Random& random) {
-  return random.Between(0, 1) == 0 ? host::Guard::kAfter : host::Guard::kBefore;
-}
-
 // Empty when the plug-in gave what the oracle gives.
 std::string RunCase(support::LoadedPlugin& plugin, Random& random, const Cell& cell) {
   const bool needsTwo = cell.request == Request::kShrink || cell.request == Request::kMixed;
-  const Image image = Noise(random, cell.sourceFormat, needsTwo ? 2 : 1);
+  const int least = needsTwo ? 2 : 1;
+  const Image image = random.Noise(random.Between(least, kLargestSide),
+                                   random.Between(least, kLargestSide), cell.sourceFormat);
   const oracle::ScaleRequest request = MakeRequest(random, cell, image);
   host::PictureSpec spec;
   spec.rowPadding = 4 * random.Between(0, 5);
-  spec.guard = AnyGuard(random);
+  spec.guard = random.AnyGuard();
   spec.hasAlphaChannel = cell.alpha;
   host::Picture* source = support::PictureOf(plugin.Host(), image, spec);
   const auto expected = oracle::ScaleMethod(image, request);
@@ -185,7 +164,7 @@ TEST(ScaleZVQ, MatchesTheOracleForEveryKindFormatAndBranch) {
     options.newPixelFormat = cell.resultFormat;
     options.alphaPixelFormat = cell.resultFormat;
     options.newRowPadding = 4 * random.Between(0, 3);
-    options.newGuard = AnyGuard(random);
+    options.newGuard = random.AnyGuard();
     support::LoadedPlugin plugin(options);
     for (int k = 0; k < kCasesPerCell; ++k) {
       ASSERT_EQ(RunCase(plugin, random, cell), "")

@@ -63,6 +63,7 @@ class RefusesArguments(PicturehostTest):
         for words, *fragments in [
             (("1.5",), "'number' must be a whole number", "'1.5'"),
             (("2147483648",), "'number' must be a whole number of 32 bits"),
+            (("1\n2\n",), "'number' must be a whole number", "'1 2 '"),
             (("",), "'number' must be a whole number"),
             (("1", "x"), "'fraction' must be a number", "'x'"),
             (("1", "2", "maybe"), "'flag' must be true or false", "'maybe'"),
@@ -126,9 +127,7 @@ class Refusals(PicturehostTest):
 
     def test_a_raised_exception_is_told_with_class_and_message(self):
         result = self.trial("in.png", "Raise", "-o", "out.png")
-        self.assertEqual(result.returncode, 1)
-        self.assertIn("raised OutOfBoundsException: too far out", result.stderr)
-        self.assertFalse((self.folder / "out.png").exists())
+        self.assert_refused(result, 1, "Raise()", "raised OutOfBoundsException: too far out")
 
     def test_a_leak_and_a_misuse_are_told_and_nothing_is_saved(self):
         for method, words in (("Leak", "left something over"), ("Misuse", "misused the host")):

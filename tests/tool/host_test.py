@@ -87,6 +87,13 @@ class HostOptions(PicturehostTest):
         for pixel_format, expected in ((1, 1), (2, 2), (3, 1), (4, 2), (5, 1), (6, 2)):
             self.assertEqual(self.answer("Format", "--pixel-format", pixel_format), expected)
 
+    def test_new_pictures_have_the_formats_of_given_ones(self):
+        for pixel_format, clear in ((1, 1), (2, 2), (3, 1), (4, 2), (5, 1), (6, 2)):
+            option = ("--pixel-format", pixel_format)
+            self.assertEqual(self.answer("FormatOfOpaque", *option), pixel_format)
+            self.assertEqual(self.answer("FormatOfClear", *option), clear)
+            self.assertEqual(self.answer("FormatOfClear", *option, "--kind", "web"), 8)
+
     def test_console_and_web_hosts_have_host_buffers(self):
         for kind in ("console", "web", "Console"):
             self.assertEqual(self.answer("Format", "--kind", kind, "--pixel-format", 3), 8)

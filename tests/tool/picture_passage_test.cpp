@@ -50,6 +50,18 @@ TEST(PictureEntry, OpaquePicturesKeepTheirColoursInEveryFormat) {
   }
 }
 
+TEST(PictureEntry, DroppedAlphaLeavesTheColoursAndNoTrace) {
+  for (int format = 1; format <= 6; ++format) {
+    host::Runtime runtime;
+    const Bitmap bitmap = Two({1, 2, 3, 128}, {4, 5, 6, 0}, true);
+    const host::Picture* picture = EnterHost(runtime, bitmap, AlphaEntry::kDrop, format);
+    EXPECT_FALSE(picture->HasAlphaChannel());
+    EXPECT_EQ(picture->Mask(), nullptr);
+    EXPECT_EQ(picture->Word(0, 0), format % 2 == 1 ? 0xFF030201u : 0x030201FFu);
+    EXPECT_EQ(picture->Word(1, 0), format % 2 == 1 ? 0xFF060504u : 0x060504FFu);
+  }
+}
+
 TEST(PictureEntry, MasksAreBlackWhereThePictureIsOpaque) {
   for (const auto kind : {host::ApplicationKind::kDesktop, host::ApplicationKind::kConsole}) {
     host::Runtime runtime(Kind(kind));

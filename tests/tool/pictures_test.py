@@ -150,6 +150,10 @@ class RefusesOutputs(PicturehostTest):
             self.assert_refused(result, 1, f"'{name}'", "not a plain file")
             self.assertTrue((self.folder / "pipe.png").is_fifo())
 
+    def test_before_the_plug_in_is_even_loaded(self):
+        result = self.trial("in.png", "Echo", 1, "--trace", "-o", "none/out.png")
+        self.assert_refused(result, 1, "'none/out.png'")
+
     def test_a_write_that_fails_half_way_leaves_the_old_output_and_no_other_file(self):
         output = self.folder / "kept.png"
         output.write_text("old")

@@ -50,7 +50,8 @@ REALpicture Misuse(REALpicture self) {
   return Itself(self);
 }
 
-REALpicture Raise(REALpicture) {
+// Raises, and returns a picture all the same.
+REALpicture Raise(REALpicture self) {
   const REALobject exception =
       Get<PluginNewInstanceEntry>("PluginNewInstance")("OutOfBoundsException");
   const REALstring text = Get<REALBuildStringEntry>("REALBuildString")("too far out", 11);
@@ -58,7 +59,7 @@ REALpicture Raise(REALpicture) {
   Get<REALUnlockStringEntry>("REALUnlockString")(text);
   Get<RuntimeRaiseExceptionEntry>("RuntimeRaiseException")(exception);
   Give(exception);
-  return nullptr;
+  return Itself(self);
 }
 
 REALpicture Refuse(REALpicture) { return nullptr; }
@@ -108,6 +109,20 @@ REALpicture Clear(REALpicture, std::int32_t width, std::int32_t height) {
   return picture;
 }
 
+std::int32_t FormatOfOpaque(REALpicture self) {
+  const REALpicture picture = Opaque(self, 1, 1);
+  const std::int32_t format = Format(picture);
+  Give(picture);
+  return format;
+}
+
+std::int32_t FormatOfClear(REALpicture self) {
+  const REALpicture picture = Clear(self, 1, 1);
+  const std::int32_t format = Format(picture);
+  Give(picture);
+  return format;
+}
+
 // Works for about a second; with a yield argument it yields fifty times on the way.
 REALpicture Dawdle(REALpicture self, std::int32_t yield) {
   char text[40];
@@ -144,6 +159,8 @@ REALmethodDefinition gMethods[] = {
     Method(MaskOf, "MaskOf as picture"),
     Method(Opaque, "Opaque(width as integer, height as integer) as picture"),
     Method(Clear, "Clear(width as integer, height as integer) as picture"),
+    Method(FormatOfOpaque, "FormatOfOpaque as integer"),
+    Method(FormatOfClear, "FormatOfClear as integer"),
     Method(Dawdle, "Dawdle(YieldTicks as integer = 0) as picture"),
     Method(Spell, "Spell(text as string) as picture"),
 };
