@@ -30,9 +30,9 @@ std::uint8_t GetInteger(const char* entry, REALobject object, const char* proper
   if (value != nullptr) *value = kIntegerNoise;
   const Object* found = Readable(call, object, property, value);
   int read = 0;
-  if (found == nullptr || !found->GetInteger(property, read)) return call.Answer(false);
+  if (found == nullptr || !found->GetInteger(property, read)) return call.AnswerFailedRead();
   *value = read;
-  return call.Answer(true);
+  return call.AnswerRead(Shown(read));
 }
 
 std::uint8_t GetPropValueInteger(REALobject object, const char* property, std::int32_t* value) {
@@ -49,9 +49,9 @@ std::uint8_t GetPropValueBool(REALobject object, const char* property, std::uint
   if (value != nullptr) *value = kByteNoise;
   const Object* found = Readable(call, object, property, value);
   bool read = false;
-  if (found == nullptr || !found->GetBoolean(property, read)) return call.Answer(false);
+  if (found == nullptr || !found->GetBoolean(property, read)) return call.AnswerFailedRead();
   *value = read ? kTrue : 0;
-  return call.Answer(true);
+  return call.AnswerRead(read ? "true" : "false");
 }
 
 // The object whose property is to be set; null after a violation.

@@ -66,6 +66,16 @@ std::uint8_t EntryScope::Answer(bool success) {
   return success ? kSuccess : 0;
 }
 
+std::uint8_t EntryScope::AnswerRead(std::string value) {
+  NoteResult(std::move(value));
+  return kSuccess;
+}
+
+std::uint8_t EntryScope::AnswerFailedRead() {
+  NoteResult("failed");
+  return 0;
+}
+
 Object* EntryScope::FindLiving(const void* handle) {
   if (handle == nullptr) {
     AddViolation("it was given nil.");

@@ -81,6 +81,8 @@ class EntryScope {
 
   // Answers, noted for the trace.
   std::uint8_t Answer(bool success);
+  std::uint8_t AnswerRead(std::string value);  // success, shown as the value that was read
+  std::uint8_t AnswerFailedRead();
   template <typename Handle>
   Handle AnswerObject(Object* object) {
     result_ = object == nullptr ? "nil" : object->Name();

@@ -10,6 +10,8 @@ namespace host {
 // One line per call: "REALLockPictureDescription(Picture#1, 8) = 1"; handles by their names, null
 // as "nil", texts in quotes, calls without result without " = ...". Calls of host methods found by
 // declaration appear by their name: "Graphics#4.DrawPicture(Picture#1, 0, 0, 4, 3, 0, 0, 4, 3)".
+// Reads of properties show the value read, integers in decimal, Booleans as "true" or "false", and
+// "failed" when there was none: "REALGetPropValueInteger(Picture#1, "Width") = 150".
 // Look-ups of entry names appear as "resolve(name)" with " = nil" when the host lacks it.
 class Trace {
  public:

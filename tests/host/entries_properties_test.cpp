@@ -28,7 +28,7 @@ TEST_F(PropertyEntries, IntegersAreReadUnderBothNames) {
     EXPECT_EQ(value, 300);
     EXPECT_NE(get(Handle(picture_), "Height", &value), 0);
     EXPECT_EQ(value, 2);
-    EXPECT_EQ(runtime_.Calls().Calls().back(), std::string(entry) + "(Picture#1, \"Height\") = 1");
+    EXPECT_EQ(runtime_.Calls().Calls().back(), std::string(entry) + "(Picture#1, \"Height\") = 2");
   }
 }
 
@@ -51,6 +51,32 @@ TEST_F(PropertyEntries, FailedReadsLeaveNoise) {
   EXPECT_EQ(getBool_(Handle(picture_), "Width", &byte), 0);
   EXPECT_NE(byte, 0);
   EXPECT_TRUE(runtime_.Book().Violations().empty());
+}
+
+TEST_F(PropertyEntries, TheTraceShowsWhatWasReadOrThatReadingFailed) {
+  std::int32_t number = 0;
+  std::uint8_t byte = 0;
+  const auto get = EntryOf<REALGetPropValueIntegerEntry>("REALGetPropValueInteger");
+  get(Handle(picture_), "Width", &number);
+  get(Handle(picture_), "Depth", &number);
+  get(nullptr, "Width", &number);
+  getBool_(Handle(picture_), "HasAlphaChannel", &byte);
+  getBool_(Handle(runtime_.NewPicture({})), "HasAlphaChannel", &byte);
+  getBool_(Handle(picture_), "Width", &byte);
+  runtime_.intercept = [](const EntryCall&) { return Verdict::kFail; };
+  get(Handle(picture_), "Width", &number);
+  getBool_(Handle(picture_), "HasAlphaChannel", &byte);
+  EXPECT_EQ(runtime_.Calls().Calls(),
+            (std::vector<std::string>{
+                "REALGetPropValueInteger(Picture#1, \"Width\") = 300",
+                "REALGetPropValueInteger(Picture#1, \"Depth\") = failed",
+                "REALGetPropValueInteger(nil, \"Width\") = failed",
+                "REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = true",
+                "REALGetPropValueBool(Picture#2, \"HasAlphaChannel\") = false",
+                "REALGetPropValueBool(Picture#1, \"Width\") = failed",
+                "REALGetPropValueInteger(Picture#1, \"Width\") = failed",
+                "REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = failed",
+            }));
 }
 
 TEST_F(PropertyEntries, NilHasNoPropertiesAndMayBeAsked) {

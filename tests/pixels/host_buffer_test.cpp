@@ -8,7 +8,7 @@ namespace {
 
 using namespace pixels_test;
 
-const Lines kRefusedAndUnlocked = {"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = 1",
+const Lines kRefusedAndUnlocked = {"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = false",
                                    "REALLockPictureDescription(Picture#1, 10) = 1",
                                    "unlockPictureDescription(Picture#1)"};
 
@@ -20,7 +20,7 @@ TEST(HostBuffer, IsReadWithThreeCallsAndGivenUpWithTwo) {
   {
     PictureReader reader;
     EXPECT_EQ(reader.GetPictureEditor(HandleOf(picture), 1, 0), 1);
-    EXPECT_EQ(host.Calls(), (Lines{"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = 1",
+    EXPECT_EQ(host.Calls(), (Lines{"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = false",
                                    "REALLockPictureDescription(Picture#1, 10) = 1",
                                    "REALLockObject(Picture#1)"}));
     EXPECT_EQ(reader.rowBytes, 20);
@@ -173,7 +173,7 @@ TEST(HostBuffer, AFailedLockIsUnlockedBelow2012Only) {
       picture->refuseLocks = true;
       PictureEditor editor;
       EXPECT_EQ(editor.GetPictureEditor(HandleOf(picture), !writable, writable), 0);
-      Lines expected = {"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = 1",
+      Lines expected = {"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = false",
                         "REALLockPictureDescription(Picture#1, 10) = 0"};
       if (version < 2012.0) expected.push_back("unlockPictureDescription(Picture#1)");
       EXPECT_EQ(host.Calls(), expected) << version;  // and no private copy
@@ -193,7 +193,8 @@ TEST(HostBuffer, BothFailedLocksOfAnOldHostAreUnlocked) {
     EXPECT_EQ(writer.GetPictureEditor(HandleOf(picture), 0, 1), 0);
     const Lines calls = host.Calls();
     EXPECT_EQ(Lines(calls.begin() + 3, calls.end()),
-              (Lines{"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = 1",
+              (Lines{std::string("REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = ") +
+                         (alpha ? "true" : "false"),
                      "REALLockPictureDescription(Picture#1, 8) = 0",
                      "unlockPictureDescription(Picture#1)",
                      "REALLockPictureDescription(Picture#1, 10) = 0",
@@ -216,7 +217,7 @@ TEST(HostBuffer, AnAlphaPictureHasNoAlphaLock) {
   EXPECT_EQ(reader.pixelFormat, 8);
   EXPECT_EQ(*reader.cursor, 0x04010203u);
   EXPECT_EQ(host.Calls(),
-            (Lines{"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = 1",
+            (Lines{"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = true",
                    "REALLockPictureDescription(Picture#1, 10) = 1", "REALLockObject(Picture#1)"}));
 }
 

@@ -11,7 +11,10 @@ namespace {
 
 using namespace pixels_test;
 
-const std::string kAsksAlpha = "REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = 1";
+std::string AsksAlpha(bool alpha) {
+  return std::string("REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = ") +
+         (alpha ? "true" : "false");
+}
 
 Lines Probe(const std::string& desktop, const std::string& web, const std::string& console) {
   return {"pluginObjectType(\"Application\") = " + desktop,
@@ -36,14 +39,15 @@ TEST(HostKind, ADesktopHostIsAskedForAllThreeClassesOnce) {
   PictureReader reader;
   ASSERT_EQ(reader.GetPictureEditor(HandleOf(picture), 1, 0), 1);
   EXPECT_EQ(host.Calls(), Joined(Probe("Application", "nil", "nil"),
-                                 {kAsksAlpha, "REALLockPictureDescription(Picture#1, 8) = 1",
+                                 {AsksAlpha(false), "REALLockPictureDescription(Picture#1, 8) = 1",
                                   "REALLockObject(Picture#1)"}));
   EXPECT_EQ(IsDesktop, 1);
   EXPECT_EQ(IsConsole, 0);
   ASSERT_EQ(reader.GetPictureEditor(HandleOf(picture), 1, 0), 1);
-  EXPECT_EQ(host.Calls(),
-            (Lines{"unlockPictureDescription(Picture#1)", "REALUnlockObject(Picture#1)", kAsksAlpha,
-                   "REALLockPictureDescription(Picture#1, 8) = 1", "REALLockObject(Picture#1)"}));
+  EXPECT_EQ(
+      host.Calls(),
+      (Lines{"unlockPictureDescription(Picture#1)", "REALUnlockObject(Picture#1)", AsksAlpha(false),
+             "REALLockPictureDescription(Picture#1, 8) = 1", "REALLockObject(Picture#1)"}));
 }
 
 TEST(HostKind, WebAndConsoleHostsGoStraightToTheBuffer) {
@@ -60,9 +64,9 @@ TEST(HostKind, WebAndConsoleHostsGoStraightToTheBuffer) {
     {
       PictureReader reader;
       ASSERT_EQ(reader.GetPictureEditor(HandleOf(picture), 1, 0), 1);
-      EXPECT_EQ(host.Calls(),
-                Joined(row.probe, {kAsksAlpha, "REALLockPictureDescription(Picture#1, 10) = 1",
-                                   "REALLockObject(Picture#1)"}));
+      EXPECT_EQ(host.Calls(), Joined(row.probe, {AsksAlpha(false),
+                                                 "REALLockPictureDescription(Picture#1, 10) = 1",
+                                                 "REALLockObject(Picture#1)"}));
     }
     EXPECT_EQ(IsDesktop, 0);
     EXPECT_EQ(IsConsole, 1);
@@ -76,12 +80,12 @@ TEST(HostKind, AContextLockTellsWhereNoClassDoes) {
   PictureReader reader;
   ASSERT_EQ(reader.GetPictureEditor(HandleOf(picture), 1, 0), 1);
   EXPECT_EQ(host.Calls(), Joined(Probe("nil", "nil", "nil"),
-                                 {kAsksAlpha, "REALLockPictureDescription(Picture#1, 8) = 1",
+                                 {AsksAlpha(false), "REALLockPictureDescription(Picture#1, 8) = 1",
                                   "REALLockObject(Picture#1)"}));
   EXPECT_EQ(IsDesktop, 1);
   EXPECT_EQ(IsConsole, 0);
   reader.GetPictureEditor(HandleOf(picture), 1, 0);
-  EXPECT_EQ(host.Calls()[2], kAsksAlpha);
+  EXPECT_EQ(host.Calls()[2], AsksAlpha(false));
 }
 
 TEST(HostKind, ABufferLockTellsWhereNoClassDoes) {
@@ -92,10 +96,11 @@ TEST(HostKind, ABufferLockTellsWhereNoClassDoes) {
     host::Picture* picture = host.Make(spec);
     PictureWriter writer;
     ASSERT_EQ(writer.GetPictureEditor(HandleOf(picture), 0, 1), 1);
-    EXPECT_EQ(host.Calls(), Joined(Probe("nil", "nil", "nil"),
-                                   {kAsksAlpha, "REALLockPictureDescription(Picture#1, 8) = 0",
-                                    "REALLockPictureDescription(Picture#1, 10) = 1",
-                                    "REALLockObject(Picture#1)"}));
+    EXPECT_EQ(
+        host.Calls(),
+        Joined(Probe("nil", "nil", "nil"),
+               {AsksAlpha(alpha), "REALLockPictureDescription(Picture#1, 8) = 0",
+                "REALLockPictureDescription(Picture#1, 10) = 1", "REALLockObject(Picture#1)"}));
     EXPECT_EQ(IsDesktop, 0);
     EXPECT_EQ(IsConsole, 1);
     EXPECT_FALSE(writer.alphaLocked);
@@ -103,7 +108,7 @@ TEST(HostKind, ABufferLockTellsWhereNoClassDoes) {
     EXPECT_EQ(
         host.Calls(),
         (Lines{"unlockPictureDescription(Picture#1)", "REALPictureClearCache(Picture#1)",
-               "REALUnlockObject(Picture#1)", kAsksAlpha,
+               "REALUnlockObject(Picture#1)", AsksAlpha(alpha),
                "REALLockPictureDescription(Picture#1, 10) = 1", "REALLockObject(Picture#1)"}));
   }
 }
@@ -115,9 +120,10 @@ TEST(HostKind, IsAskedForAgainWhileNothingTellsIt) {
   PictureWriter writer;
   for (int round = 0; round < 3; ++round) {
     EXPECT_EQ(writer.GetPictureEditor(HandleOf(picture), 0, 1), 0);
-    EXPECT_EQ(host.Calls(), Joined(Probe("nil", "nil", "nil"),
-                                   {kAsksAlpha, "REALLockPictureDescription(Picture#1, 8) = 0",
-                                    "REALLockPictureDescription(Picture#1, 10) = 0"}));
+    EXPECT_EQ(host.Calls(),
+              Joined(Probe("nil", "nil", "nil"),
+                     {AsksAlpha(false), "REALLockPictureDescription(Picture#1, 8) = 0",
+                      "REALLockPictureDescription(Picture#1, 10) = 0"}));
     EXPECT_EQ(IsDesktop, 0);
     EXPECT_EQ(IsConsole, 0);
   }
@@ -150,7 +156,8 @@ TEST(HostKind, ADesktopHostIsNeverAskedForABuffer) {
     host::Picture* picture = host.Make(spec);
     PictureWriter writer;
     EXPECT_EQ(writer.GetPictureEditor(HandleOf(picture), 0, 1), 0);
-    EXPECT_EQ(host.Calls(), (Lines{kAsksAlpha, "REALLockPictureDescription(Picture#1, 8) = 0"}));
+    EXPECT_EQ(host.Calls(),
+              (Lines{AsksAlpha(alpha), "REALLockPictureDescription(Picture#1, 8) = 0"}));
     EXPECT_EQ(IsConsole, 0);
   }
 }
@@ -162,7 +169,7 @@ TEST(HostKind, WithBothKindsKnownNothingIsLocked) {
   IsConsole = 1;
   PictureReader reader;
   EXPECT_EQ(reader.GetPictureEditor(HandleOf(picture), 1, 0), 0);
-  EXPECT_EQ(host.Calls(), Lines{kAsksAlpha});
+  EXPECT_EQ(host.Calls(), Lines{AsksAlpha(true)});
 }
 
 TEST(HostKind, NilIsRefusedBeforeTheKindIsAskedFor) {

@@ -27,9 +27,11 @@ void ExpectRefused(const host::RuntimeOptions& options, const host::PictureSpec&
       PictureEditor editor;
       EXPECT_EQ(editor.GetPictureEditor(HandleOf(picture), !writable, writable), 0) << what;
       const std::string type = spec.storage == host::Storage::kHostBuffer ? "10" : "8";
-      EXPECT_EQ(host.Calls(), (Lines{"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = 1",
-                                     "REALLockPictureDescription(Picture#1, " + type + ") = 1",
-                                     "unlockPictureDescription(Picture#1)"}))
+      const std::string alpha = spec.hasAlphaChannel ? "true" : "false";
+      EXPECT_EQ(host.Calls(),
+                (Lines{"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = " + alpha,
+                       "REALLockPictureDescription(Picture#1, " + type + ") = 1",
+                       "unlockPictureDescription(Picture#1)"}))
           << what;
     }
     EXPECT_EQ(host.Calls(), Lines{}) << what;

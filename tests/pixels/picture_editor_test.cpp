@@ -68,7 +68,7 @@ TEST(PictureEditor, ReadsAContextWithThreeCallsAndGivesItUpWithTwo) {
     PictureReader reader;
     EXPECT_EQ(reader.GetPictureEditor(HandleOf(picture), 1, 0), 1);
     EXPECT_EQ(host.Calls(),
-              (Lines{"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = 1",
+              (Lines{"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = false",
                      "REALLockPictureDescription(Picture#1, 8) = 1", "REALLockObject(Picture#1)"}));
     EXPECT_EQ(reader.rowBytes, 32);
     EXPECT_EQ(reader.width, 5);
@@ -139,6 +139,7 @@ TEST(PictureEditor, PropertyThatCannotBeReadMakesThePictureOpaque) {
   EXPECT_FALSE(reader.hasAlpha);
   EXPECT_FALSE(reader.alphaLocked);
   EXPECT_EQ(reader.pixelFormat, 3);
+  EXPECT_EQ(host.Calls()[0], "REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = failed");
 }
 
 TEST(PictureEditor, AHostWithoutThePropertyRoutineHasOpaquePicturesOnly) {
@@ -241,7 +242,7 @@ TEST(OldHost, AFailedContextLockIsUnlockedBelow2012Only) {
     picture->refuseLocks = true;
     PictureWriter writer;
     EXPECT_EQ(writer.GetPictureEditor(HandleOf(picture), 0, 1), 0) << row.version;
-    Lines expected = {"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = 1",
+    Lines expected = {"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = false",
                       "REALLockPictureDescription(Picture#1, 8) = 0"};
     if (row.unlocks) expected.push_back("unlockPictureDescription(Picture#1)");
     EXPECT_EQ(host.Calls(), expected) << row.version;
@@ -257,7 +258,7 @@ TEST(OldHost, ALockRoutineThatIsMissingCountsAsAFailedLock) {
     host::Picture* picture = host.Make(Context(2, 2));
     PictureWriter writer;
     EXPECT_EQ(writer.GetPictureEditor(HandleOf(picture), 0, 1), 0);
-    Lines expected = {"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = 1"};
+    Lines expected = {"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = false"};
     if (version < 2012.0) expected.push_back("unlockPictureDescription(Picture#1)");
     EXPECT_EQ(host.Calls(), expected);
     EXPECT_EQ(picture->References(), 1);
@@ -273,7 +274,7 @@ TEST(OldHost, ASuccessfulLockIsUnlockedOnceOnly) {
     ASSERT_EQ(reader.GetPictureEditor(HandleOf(picture), 1, 0), 1);
   }
   EXPECT_EQ(host.Calls(),
-            (Lines{"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = 1",
+            (Lines{"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = false",
                    "REALLockPictureDescription(Picture#1, 8) = 1", "REALLockObject(Picture#1)",
                    "unlockPictureDescription(Picture#1)", "REALUnlockObject(Picture#1)"}));
   EXPECT_EQ(host.LeftOver(), Lines{});

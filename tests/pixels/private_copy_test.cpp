@@ -24,16 +24,16 @@ TEST(PrivateCopy, IsDrawnLockedAndHeldByTheEditorAlone) {
   {
     PictureReader reader;
     EXPECT_EQ(reader.GetPictureEditor(HandleOf(picture), 1, 0), 1);
-    EXPECT_EQ(host.Calls(), (Lines{"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = 1",
+    EXPECT_EQ(host.Calls(), (Lines{"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = false",
                                    "REALLockPictureDescription(Picture#1, 8) = 0",
-                                   "REALGetPropValueInteger(Picture#1, \"Width\") = 1",
-                                   "REALGetPropValueInteger(Picture#1, \"Height\") = 1",
+                                   "REALGetPropValueInteger(Picture#1, \"Width\") = 4",
+                                   "REALGetPropValueInteger(Picture#1, \"Height\") = 3",
                                    "newPicture(4, 3, 32) = Picture#2",
                                    "pluginPictureGraphicsGetter(Picture#2) = Graphics#3",
                                    FindsDrawPicture("Graphics#3"),
                                    "Graphics#3.DrawPicture(Picture#1, 0, 0, 4, 3, 0, 0, 4, 3)",
                                    "REALUnlockObject(Graphics#3)",
-                                   "REALGetPropValueBool(Picture#2, \"HasAlphaChannel\") = 1",
+                                   "REALGetPropValueBool(Picture#2, \"HasAlphaChannel\") = false",
                                    "REALLockPictureDescription(Picture#2, 8) = 1",
                                    "REALLockObject(Picture#2)", "REALUnlockObject(Picture#2)"}));
     const host::Object* copy = host.runtime.Book().Objects()[1].get();
@@ -89,7 +89,7 @@ TEST(PrivateCopy, OfAnOldHostFollowsTheExtraUnlock) {
     ASSERT_EQ(calls.size(), 14u);
     EXPECT_EQ(calls[1], "REALLockPictureDescription(Picture#1, 8) = 0");
     EXPECT_EQ(calls[2], "unlockPictureDescription(Picture#1)");
-    EXPECT_EQ(calls[3], "REALGetPropValueInteger(Picture#1, \"Width\") = 1");
+    EXPECT_EQ(calls[3], "REALGetPropValueInteger(Picture#1, \"Width\") = 2");
   }
   EXPECT_EQ(host.LeftOver(), Lines{});
 }
@@ -102,7 +102,7 @@ TEST(PrivateCopy, IsNeverMadeForAWriterOrWithoutLeave) {
     host::Picture* picture = MakeLocked(host, 2, 2);
     PictureEditor editor;
     EXPECT_EQ(editor.GetPictureEditor(HandleOf(picture), row.mayCopy, row.writable), 0);
-    EXPECT_EQ(host.Calls(), (Lines{"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = 1",
+    EXPECT_EQ(host.Calls(), (Lines{"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = false",
                                    "REALLockPictureDescription(Picture#1, 8) = 0"}));
     EXPECT_EQ(host.LeftOver(), Lines{});
   }
@@ -118,13 +118,13 @@ TEST(PrivateCopy, StaysAsMadeWithoutAGraphicsObject) {
   {
     PictureReader reader;
     ASSERT_EQ(reader.GetPictureEditor(HandleOf(picture), 1, 0), 1);
-    EXPECT_EQ(host.Calls(), (Lines{"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = 1",
+    EXPECT_EQ(host.Calls(), (Lines{"REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = false",
                                    "REALLockPictureDescription(Picture#1, 8) = 0",
-                                   "REALGetPropValueInteger(Picture#1, \"Width\") = 1",
-                                   "REALGetPropValueInteger(Picture#1, \"Height\") = 1",
+                                   "REALGetPropValueInteger(Picture#1, \"Width\") = 2",
+                                   "REALGetPropValueInteger(Picture#1, \"Height\") = 2",
                                    "newPicture(2, 2, 32) = Picture#2",
                                    "pluginPictureGraphicsGetter(Picture#2) = nil",
-                                   "REALGetPropValueBool(Picture#2, \"HasAlphaChannel\") = 1",
+                                   "REALGetPropValueBool(Picture#2, \"HasAlphaChannel\") = false",
                                    "REALLockPictureDescription(Picture#2, 8) = 1",
                                    "REALLockObject(Picture#2)", "REALUnlockObject(Picture#2)"}));
     EXPECT_EQ(reader.cursor[0] & 0xFFFFFF00u, 0x1E140A00u);
@@ -163,7 +163,7 @@ TEST(PrivateCopy, WithoutDrawPictureIsCopiedAsABufferWithoutSuccessOnADesktopHos
         "REALLockPictureDescription(Picture#1, 10) = 0",
         "resolve(REALUnlockObject)",
         "REALUnlockObject(Graphics#3)",
-        "REALGetPropValueBool(Picture#2, \"HasAlphaChannel\") = 1",
+        "REALGetPropValueBool(Picture#2, \"HasAlphaChannel\") = false",
         "REALLockPictureDescription(Picture#2, 8) = 1",
         "resolve(REALLockObject)",
         "REALLockObject(Picture#2)",
@@ -211,8 +211,8 @@ TEST(PrivateCopy, SizesAreReadUnderTheOldNameToo) {
   PictureReader reader;
   ASSERT_EQ(reader.GetPictureEditor(HandleOf(picture), 1, 0), 1);
   const Lines calls = host.Calls();
-  EXPECT_EQ(calls[2], "REALGetPropValueInt(Picture#1, \"Width\") = 1");
-  EXPECT_EQ(calls[3], "REALGetPropValueInt(Picture#1, \"Height\") = 1");
+  EXPECT_EQ(calls[2], "REALGetPropValueInt(Picture#1, \"Width\") = 6");
+  EXPECT_EQ(calls[3], "REALGetPropValueInt(Picture#1, \"Height\") = 5");
   EXPECT_EQ(calls[4], "newPicture(6, 5, 32) = Picture#2");
 }
 

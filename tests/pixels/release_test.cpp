@@ -9,8 +9,8 @@ namespace {
 
 using namespace pixels_test;
 
-const std::string kAsksAlpha1 = "REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = 1";
-const std::string kAsksAlpha2 = "REALGetPropValueBool(Picture#2, \"HasAlphaChannel\") = 1";
+const std::string kAsksAlpha1 = "REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = false";
+const std::string kAsksAlpha2 = "REALGetPropValueBool(Picture#2, \"HasAlphaChannel\") = false";
 
 TEST(Relock, ReleasesTheFirstPictureCompletelyBeforeTheSecondIsTouched) {
   LinkedHost host(Desktop());

@@ -38,7 +38,7 @@ TEST(NewPictureWriter, MakesAnOpaquePictureWithFiveCalls) {
     PictureWriter writer;
     ASSERT_TRUE(writer.NewPictureWriter(reader, 7, 2));
     EXPECT_EQ(host.Calls(), (Lines{"newPicture(7, 2, 32) = Picture#1",
-                                   "REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = 1",
+                                   "REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = false",
                                    "REALLockPictureDescription(Picture#1, 8) = 1",
                                    "REALLockObject(Picture#1)", "REALUnlockObject(Picture#1)"}));
     EXPECT_EQ(writer.width, 7);
@@ -62,7 +62,7 @@ TEST(NewPictureWriter, MakesAnAlphaPictureThroughItsConstructor) {
     EXPECT_TRUE(made.ok);
     EXPECT_EQ(made.calls, (Lines{"PluginNewInstance(\"Picture\") = Picture#1", kFindsConstructor,
                                  "Picture#1.Constructor(7, 2)",
-                                 "REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = 1",
+                                 "REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = true",
                                  "REALLockPictureDescription(Picture#1, 8) = 1",
                                  "REALLockObject(Picture#1)", "REALUnlockObject(Picture#1)"}));
     EXPECT_EQ(made.width, 7);
@@ -148,10 +148,11 @@ TEST(NewPictureWriter, AnAlphaPictureTooLargeForTheHostIsGivenUp) {
   LinkedHost host(Desktop());
   const Made made = MakeWriter(host, true, 200000, 200000);
   EXPECT_FALSE(made.ok);
+  // A picture that could not be constructed has no alpha channel.
   EXPECT_EQ(made.calls,
             (Lines{"PluginNewInstance(\"Picture\") = Picture#1", kFindsConstructor,
                    "Picture#1.Constructor(200000, 200000)",
-                   "REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = 1",
+                   "REALGetPropValueBool(Picture#1, \"HasAlphaChannel\") = false",
                    "REALLockPictureDescription(Picture#1, 8) = 0", "REALUnlockObject(Picture#1)"}));
   EXPECT_EQ(host.LeftOver(), Lines{});
 }

@@ -133,8 +133,8 @@ TEST(LoadedPlugin, FindsEverythingElseThroughTheSameResolver) {
     EXPECT_TRUE(report.Clean()) << version;
     EXPECT_EQ(loaded.Host().Calls().Lines(),
               (Lines{"resolve(REALGetPropValueInteger)",
-                     "REALGetPropValueInteger(Picture#1, \"Width\") = 1",
-                     "REALGetPropValueInteger(Picture#1, \"Height\") = 1",
+                     "REALGetPropValueInteger(Picture#1, \"Width\") = 4",
+                     "REALGetPropValueInteger(Picture#1, \"Height\") = 3",
                      "resolve(REALLockObject)", "REALLockObject(Picture#1)"}));
     loaded.Host().Release(picture);
     loaded.Host().Release(picture);
@@ -161,6 +161,8 @@ TEST(LoadedPlugin, FallsBackToTheOlderPropertyName) {
   ASSERT_EQ(lines.size(), 6u);
   EXPECT_EQ(lines[0], "resolve(REALGetPropValueInteger) = nil");
   EXPECT_EQ(lines[1], "resolve(REALGetPropValueInt)");
+  EXPECT_EQ(lines[2], "REALGetPropValueInt(Picture#1, \"Width\") = 4");
+  EXPECT_EQ(lines[3], "REALGetPropValueInt(Picture#1, \"Height\") = 3");
   EXPECT_EQ(lines[4], "resolve(REALLockObject)");
 }
 
