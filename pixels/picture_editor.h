@@ -35,6 +35,10 @@ class PictureEditor {
   // cleared here and once more by the release.
   REALpictureStruct* RenderPictureWriter();
 
+  // Gives up what the editor holds: pixel map, description lock, cached rendering, reference.
+  // Nothing is left for the destructor then. A host routine that throws meanwhile ends the process.
+  void Release() noexcept;
+
   // The address of a row's first pixel. Deliberate: rows from `height` on are row 0.
   unsigned char* RowAddress(std::int32_t row) const {
     if (row >= height) return base;
@@ -74,7 +78,6 @@ class PictureEditor {
  private:
   enum class Outcome { kLocked, kNotLocked, kRefused };
 
-  void Release() noexcept;
   bool Lock(REALpicture pic, bool mayCopyPicture, bool writablePicture, int copiesMade);
   bool LockDescription(REALpicture pic, std::int32_t type);
   Outcome LockBitmapContext(REALpicture pic);
@@ -100,4 +103,11 @@ class PictureWriter : public PictureEditor {
   // none, none that can be locked, or a narrower one. Deliberate: pictures with an alpha channel
   // have no upper limit of size.
   bool NewPictureWriter(PictureReader& reader, int width, int height);
+
+  // The same, always opaque.
+  bool NewOpaqueWriter(int width, int height);
+
+ private:
+  // Locks a picture just made, taking over its reference; null fails.
+  bool LockNew(REALpicture made, int width);
 };

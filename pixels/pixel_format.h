@@ -28,8 +28,8 @@ struct Rgb {
 
 constexpr std::uint32_t ByteOf(std::uint32_t word, int shift) { return (word >> shift) & 0xFF; }
 
-template <PixelLayout layout>
-constexpr Rgb DecodeAs(std::uint32_t word) {
+// The colour of a pixel word; black for kNone.
+constexpr Rgb Decode(PixelLayout layout, std::uint32_t word) {
   switch (layout) {
     case PixelLayout::kRedFirst:
       return {ByteOf(word, 0), ByteOf(word, 8), ByteOf(word, 16)};

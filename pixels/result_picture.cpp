@@ -31,8 +31,15 @@ REALpicture NewOpaquePicture(int width, int height) {
 }  // namespace
 
 bool PictureWriter::NewPictureWriter(PictureReader& reader, int newWidth, int newHeight) {
-  REALpicture made = reader.hasAlpha ? NewAlphaPicture(newWidth, newHeight)
-                                     : NewOpaquePicture(newWidth, newHeight);
+  if (!reader.hasAlpha) return NewOpaqueWriter(newWidth, newHeight);
+  return LockNew(NewAlphaPicture(newWidth, newHeight), newWidth);
+}
+
+bool PictureWriter::NewOpaqueWriter(int newWidth, int newHeight) {
+  return LockNew(NewOpaquePicture(newWidth, newHeight), newWidth);
+}
+
+bool PictureWriter::LockNew(REALpicture made, int newWidth) {
   const HeldObject held(made);
   return made != nullptr && GetPictureEditor(made, 0, 1) != 0 && width >= newWidth;
 }

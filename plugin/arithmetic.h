@@ -33,3 +33,9 @@ inline std::int32_t WrapMultiply(std::int32_t a, std::int32_t b) {
 inline std::int32_t WrapAbs(std::int32_t value) {
   return value < 0 ? WrapSubtract(0, value) : value;
 }
+
+// Limited to 0..255.
+inline std::uint32_t ClampToByte(std::int32_t value) {
+  if (value < 0) return 0;
+  return value > 255 ? 255 : static_cast<std::uint32_t>(value);
+}

@@ -1,24 +1,29 @@
-// A reference to a host object that is given up at the end of a scope, also when an exception
-// passes.
+// References to host objects and strings that are given up at the end of a scope, also when an
+// exception passes.
 #pragma once
 
 #include <utility>
 
 #include "plugin/wrappers.h"
 
-class HeldObject {
+template <typename Handle, void (*giveUp)(Handle)>
+class HeldReference {
  public:
   // Takes over one reference; null holds nothing.
-  explicit HeldObject(REALobject object) : object_(object) {}
-  ~HeldObject() {
-    if (object_ != nullptr) REALUnlockObject(object_);
+  explicit HeldReference(Handle handle) : handle_(handle) {}
+  ~HeldReference() {
+    if (handle_ != nullptr) giveUp(handle_);
   }
-  HeldObject(const HeldObject&) = delete;
-  HeldObject& operator=(const HeldObject&) = delete;
+  HeldReference(const HeldReference&) = delete;
+  HeldReference& operator=(const HeldReference&) = delete;
 
+  Handle Get() const { return handle_; }
   // The reference passes to the caller.
-  void Keep() { object_ = nullptr; }
+  Handle Keep() { return std::exchange(handle_, nullptr); }
 
  private:
-  REALobject object_;
+  Handle handle_;
 };
+
+using HeldObject = HeldReference<REALobject, REALUnlockObject>;
+using HeldString = HeldReference<REALstring, REALUnlockString>;

@@ -33,7 +33,7 @@ template <PixelLayout layout>
 Sums SumOf(const std::uint32_t* pixels, std::int32_t count) {
   Sums sums;
   for (std::int32_t k = 0; k < count; ++k) {
-    const Rgb colour = DecodeAs<layout>(pixels[k]);
+    const Rgb colour = Decode(layout, pixels[k]);
     sums.r += colour.r;
     sums.g += colour.g;
     sums.b += colour.b;

@@ -20,5 +20,6 @@ void AddRunCommand(CLI::App& app, Action& chosen);
 void AddMethodsCommand(CLI::App& app, Action& chosen);
 void AddSampleCommand(CLI::App& app, Action& chosen);
 void AddInfoCommand(CLI::App& app, Action& chosen);
+void AddSheetCommand(CLI::App& app, Action& chosen);
 
 }  // namespace tool

@@ -23,6 +23,7 @@ int main(int argc, char** argv) {
   tool::AddMethodsCommand(app, chosen);
   tool::AddSampleCommand(app, chosen);
   tool::AddInfoCommand(app, chosen);
+  tool::AddSheetCommand(app, chosen);
 
   try {
     app.parse(argc, argv);

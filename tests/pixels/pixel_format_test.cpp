@@ -10,9 +10,9 @@ namespace {
 constexpr PixelLayout kPixelLayouts[] = {PixelLayout::kRedFirst, PixelLayout::kAlphaFirst,
                                          PixelLayout::kBlueFirst};
 
-Rgb Decode(PixelLayout layout, std::uint32_t word) {
+Rgb DecodeByConstant(PixelLayout layout, std::uint32_t word) {
   Rgb colour{1, 2, 3};
-  WithLayout(layout, [&](auto constant) { colour = DecodeAs<decltype(constant)::value>(word); });
+  WithLayout(layout, [&](auto constant) { colour = Decode(decltype(constant)::value, word); });
   return colour;
 }
 
@@ -45,7 +45,7 @@ TEST(PixelFormat, ChannelsLieWhereTheFormatSays) {
       {8, 0x33, 0x22, 0x11}, {0, 0, 0, 0},          {7, 0, 0, 0},
   };
   for (const auto& row : rows) {
-    const Rgb colour = Decode(LayoutOf(row.format), 0x44332211);
+    const Rgb colour = DecodeByConstant(LayoutOf(row.format), 0x44332211);
     EXPECT_EQ(colour.r, row.r) << row.format;
     EXPECT_EQ(colour.g, row.g) << row.format;
     EXPECT_EQ(colour.b, row.b) << row.format;
@@ -66,7 +66,7 @@ TEST(PixelFormat, EveryLevelOfEveryChannelSurvivesWithoutTouchingTheOthers) {
     for (std::uint32_t level = 0; level < 256; ++level) {
       const Rgb colours[] = {{level, 7, 9}, {7, level, 9}, {7, 9, level}};
       for (const Rgb& colour : colours) {
-        const Rgb back = Decode(layout, EncodeOpaque(layout, colour));
+        const Rgb back = DecodeByConstant(layout, EncodeOpaque(layout, colour));
         ASSERT_EQ(back.r, colour.r);
         ASSERT_EQ(back.g, colour.g);
         ASSERT_EQ(back.b, colour.b);
@@ -80,7 +80,7 @@ TEST(PixelFormat, AgreesWithTheHostsOwnReadingOfOpaqueWords) {
     for (std::uint32_t step = 0; step < 1000; ++step) {
       const std::uint32_t word = step * 2654435761u + 0x12345;
       const host::Rgba seen = host::ColourOfWord(word, format, false);
-      const Rgb colour = Decode(LayoutOf(format), word);
+      const Rgb colour = DecodeByConstant(LayoutOf(format), word);
       ASSERT_EQ(colour.r, seen.r) << format;
       ASSERT_EQ(colour.g, seen.g) << format;
       ASSERT_EQ(colour.b, seen.b) << format;

@@ -1,0 +1,66 @@
+// picturehost sheet: lays several pictures side by side, to compare them.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <memory>
+
+#include "tool/command.h"
+#include "tool/contact_sheet.h"
+#include "tool/exit_status.h"
+#include "tool/picture_files.h"
+
+namespace tool {
+namespace {
+
+struct SheetOptions {
+  std::vector<std::string> inputs;
+  std::string part;
+  SheetLayout layout;
+  std::string output;
+};
+
+Part ParsePart(const std::string& text) {
+  Part part;
+  int end = 0;
+  const int read =
+      std::sscanf(text.c_str(), "%d,%d,%d,%d%n", &part.x, &part.y, &part.width, &part.height, &end);
+  if (read != 4 || text[static_cast<std::size_t>(end)] != '\0' || part.width < 1 ||
+      part.height < 1) {
+    throw UsageError("'" + text + "' is no part; it is LEFT,TOP,WIDTH,HEIGHT in pixels");
+  }
+  return part;
+}
+
+int Lay(SheetOptions options) {
+  if (!options.part.empty()) options.layout.part = ParsePart(options.part);
+  CheckOutput(options.output);
+  std::vector<Bitmap> pictures;
+  for (const std::string& input : options.inputs) pictures.push_back(LoadPicture(input));
+  SavePicture(ContactSheet(pictures, options.layout), options.output);
+  return kExitOk;
+}
+
+}  // namespace
+
+void AddSheetCommand(CLI::App& app, Action& chosen) {
+  const auto options = std::make_shared<SheetOptions>();
+  CLI::App* command = app.add_subcommand("sheet", "Lay pictures side by side on one sheet");
+  command->add_option("IN", options->inputs, "The pictures, in reading order")
+      ->type_name("")
+      ->required();
+  command->add_option("--columns", options->layout.columns, "Pictures in a row (default: all)")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1000));
+  command
+      ->add_option("--zoom", options->layout.zoom,
+                   "Magnify without smoothing, 1 to 64 (default: 1)")
+      ->type_name("N")
+      ->check(CLI::Range(1, 64));
+  command->add_option("--part", options->part, "Show only this part of each, in its own pixels")
+      ->type_name("LEFT,TOP,WIDTH,HEIGHT");
+  command->add_option("-o,--output", options->output, "Where to save it: .png or .jpg")
+      ->type_name("OUT")
+      ->required();
+  command->callback([options, &chosen] { chosen = [options] { return Lay(*options); }; });
+}
+
+}  // namespace tool
