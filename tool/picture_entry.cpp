@@ -46,4 +46,8 @@ host::Picture* EnterHost(host::Runtime& runtime, const Bitmap& bitmap, AlphaEntr
   return picture;
 }
 
+void GiveMask(host::Runtime& runtime, host::Picture* picture, const Bitmap& mask, int pixelFormat) {
+  runtime.SetMask(picture, EnterHost(runtime, mask, AlphaEntry::kDrop, pixelFormat));
+}
+
 }  // namespace tool

@@ -14,4 +14,8 @@ namespace tool {
 host::Picture* EnterHost(host::Runtime& runtime, const Bitmap& bitmap, AlphaEntry alpha,
                          int pixelFormat);
 
+// Gives an opaque picture a mask of its own, of any size: black shows the picture, white hides it.
+// Transparency of the bitmap is dropped.
+void GiveMask(host::Runtime& runtime, host::Picture* picture, const Bitmap& mask, int pixelFormat);
+
 }  // namespace tool

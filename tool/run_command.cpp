@@ -22,20 +22,40 @@ struct RunOptions {
   std::string input;
   std::string method;
   std::vector<std::string> words;
+  std::string mask;
   std::string output;
 };
 
-host::Picture* Load(host::Runtime& runtime, const std::string& path, const RunOptions& options) {
-  return EnterHost(runtime, LoadPicture(path), options.host.Alpha(), options.host.pixelFormat);
+enum class Masked { kNo, kYes };
+
+host::Picture* Load(host::Runtime& runtime, const std::string& path, const RunOptions& options,
+                    Masked masked) {
+  const int format = options.host.pixelFormat;
+  const Bitmap bitmap = LoadPicture(path);
+  if (masked == Masked::kNo) return EnterHost(runtime, bitmap, options.host.Alpha(), format);
+  host::Picture* picture = EnterHost(runtime, bitmap, AlphaEntry::kDrop, format);
+  GiveMask(runtime, picture, LoadPicture(options.mask), format);
+  return picture;
+}
+
+// The mask goes to the picture that is an argument; to the receiver where none is.
+bool HasPicture(const Arguments& arguments) {
+  for (const Argument& argument : arguments.values) {
+    const auto* picture = std::get_if<PictureArgument>(&argument);
+    if (picture != nullptr && !picture->path.empty()) return true;
+  }
+  return false;
 }
 
 std::vector<host::Value> LoadArguments(host::Runtime& runtime, const Arguments& arguments,
                                        const RunOptions& options) {
+  const Masked masked = options.mask.empty() ? Masked::kNo : Masked::kYes;
   std::vector<host::Value> values;
   for (const Argument& argument : arguments.values) {
     if (const auto* picture = std::get_if<PictureArgument>(&argument)) {
-      values.push_back(picture->path.empty() ? host::Value()
-                                             : host::Value(Load(runtime, picture->path, options)));
+      values.push_back(picture->path.empty()
+                           ? host::Value()
+                           : host::Value(Load(runtime, picture->path, options, masked)));
     } else if (const auto* number = std::get_if<std::int32_t>(&argument)) {
       values.push_back(*number);
     } else if (const auto* fraction = std::get_if<double>(&argument)) {
@@ -98,7 +118,9 @@ int Run(const RunOptions& options) {
   }
   const host::Declaration& declaration = method->declaration;
   Arguments arguments = ParseArguments(declaration, options.words);
-  host::Picture* receiver = Load(runtime, options.input, options);
+  const bool maskForReceiver = !options.mask.empty() && !HasPicture(arguments);
+  host::Picture* receiver =
+      Load(runtime, options.input, options, maskForReceiver ? Masked::kYes : Masked::kNo);
   const std::string call = CallText(declaration, arguments) + " on " + receiver->Name() + " of " +
                            std::to_string(receiver->Width()) + "x" +
                            std::to_string(receiver->Height());
@@ -139,6 +161,12 @@ void AddRunCommand(CLI::App& app, Action& chosen) {
                    "The method's arguments, in the order of its declaration or as name=value; what "
                    "is left out takes its declared default. A picture argument is a file or nil")
       ->type_name("");
+  command
+      ->add_option(
+          "--mask", options->mask,
+          "A picture that becomes the mask of the picture argument, or of IN where there is "
+          "none: black shows, white hides. Transparency of that picture itself is dropped")
+      ->type_name("MASK");
   command
       ->add_option("-o,--output", options->output,
                    "Where to save what a person would see: .png, or .jpg on white")

@@ -8,24 +8,10 @@
 #include <vector>
 
 #include "tests/oracles/blur.h"
+#include "tests/oracles/red_pictures.h"
 
 namespace oracle {
 namespace {
-
-using Words = std::vector<std::uint32_t>;
-
-// A picture in format 1 of which only the low byte (red) is set.
-Image Reds(int width, int height, const Words& reds) { return {width, height, 1, reds}; }
-
-// The red of every pixel of a blurred picture in format 1; the rest must be opaque black.
-Words OpaqueReds(const Image& image) {
-  Words reds;
-  for (const std::uint32_t word : image.words) {
-    EXPECT_EQ(word & 0xFFFFFF00u, 0xFF000000u);
-    reds.push_back(word & 255u);
-  }
-  return reds;
-}
 
 Words BlurredReds(int width, int height, const Words& reds, double radius) {
   const BlurResult result = Blur(Reds(width, height, reds), radius, 1);

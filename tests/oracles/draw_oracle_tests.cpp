@@ -7,27 +7,13 @@
 #include <vector>
 
 #include "tests/oracles/draw_picture.h"
+#include "tests/oracles/red_pictures.h"
 
 namespace oracle {
 namespace {
 
-using Words = std::vector<std::uint32_t>;
-
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-// A picture in format 1 of which only the low byte (red) is set.
-Image Reds(int width, int height, const Words& reds) { return {width, height, 1, reds}; }
-
-// The red of every pixel of a drawn-on picture in format 1; the rest must be opaque black.
-Words OpaqueReds(const Image& image) {
-  Words reds;
-  for (const std::uint32_t word : image.words) {
-    EXPECT_EQ(word & 0xFFFFFF00u, 0xFF000000u);
-    reds.push_back(word & 255u);
-  }
-  return reds;
-}
 
 Words Drawn(Image destination, const Image& source, double x, double y, double alpha) {
   EXPECT_TRUE(DrawPicture(destination, source, nullptr, x, y, alpha));

@@ -1,31 +1,12 @@
 // Plain loops over the definition of the fast scaler; every sum is made one sample at a time.
 #include "tests/oracles/fast_scale.h"
 
-#include <cfloat>
 #include <cmath>
-#include <limits>
 #include <stdexcept>
 
+#include "tests/oracles/numbers.h"
+
 namespace oracle {
-namespace {
-
-static_assert(FLT_EVAL_METHOD == 0, "every operation must be rounded to its own type");
-
-// Truncation toward zero; what does not fit, and NaN, gives the smallest integer.
-std::int32_t Truncate(double value) {
-  if (!(value > -2147483649.0 && value < 2147483648.0)) {
-    return std::numeric_limits<std::int32_t>::min();
-  }
-  return static_cast<std::int32_t>(value);
-}
-
-// The product as 32-bit hardware gives it.
-std::int32_t Product(std::int32_t a, std::int32_t b) {
-  return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b));
-}
-
-}  // namespace
-
 Image FastScale(const Image& source, int width, int height, int resultFormat, std::uint32_t initial,
                 std::optional<int> resultHeight) {
   const int lockedHeight = resultHeight.value_or(height);

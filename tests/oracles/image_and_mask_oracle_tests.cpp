@@ -8,14 +8,10 @@
 #include <vector>
 
 #include "tests/oracles/image_and_mask.h"
+#include "tests/oracles/red_pictures.h"
 
 namespace oracle {
 namespace {
-
-using Words = std::vector<std::uint32_t>;
-
-// A picture in format 1 of which only the low byte (red) is set.
-Image Reds(int width, int height, const Words& reds) { return {width, height, 1, reds}; }
 
 // Picture and mask in format 1, zero-filled.
 ImageAndMaskRequest Request(int width, int height, bool antiAlias) {

@@ -10,26 +10,12 @@
 
 #include "tests/oracles/fast_scale.h"
 #include "tests/oracles/image.h"
+#include "tests/oracles/red_pictures.h"
 #include "tests/oracles/scale_method.h"
 #include "tests/oracles/smooth_enlarge.h"
 
 namespace oracle {
 namespace {
-
-using Words = std::vector<std::uint32_t>;
-
-// A picture in format 1 of which only the low byte (red) is set.
-Image Reds(int width, int height, const Words& reds) { return {width, height, 1, reds}; }
-
-// The red of every pixel of a fast result in format 1; the rest must be opaque black.
-Words OpaqueReds(const Image& image) {
-  Words reds;
-  for (const std::uint32_t word : image.words) {
-    EXPECT_EQ(word & 0xFFFFFF00u, 0xFF000000u);
-    reds.push_back(word & 255u);
-  }
-  return reds;
-}
 
 Words FastReds(int width, int height, const Words& reds, int newWidth, int newHeight) {
   return OpaqueReds(FastScale(Reds(width, height, reds), newWidth, newHeight, 1));

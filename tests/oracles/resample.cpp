@@ -2,18 +2,16 @@
 #include "tests/oracles/resample.h"
 
 #include <algorithm>
-#include <cfloat>
 #include <cmath>
 #include <cstddef>
 #include <stdexcept>
 
 #include "tests/oracles/kernels.h"
+#include "tests/oracles/numbers.h"
 #include "tests/oracles/scale_method.h"
 
 namespace oracle {
 namespace {
-
-static_assert(FLT_EVAL_METHOD == 0, "every operation must be rounded to its own type");
 
 constexpr std::int64_t kLargestBlock = 2147483647;  // bytes
 

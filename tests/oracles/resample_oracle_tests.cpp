@@ -11,15 +11,11 @@
 
 #include "tests/oracles/image.h"
 #include "tests/oracles/kernels.h"
+#include "tests/oracles/red_pictures.h"
 #include "tests/oracles/resample.h"
 
 namespace oracle {
 namespace {
-
-using Words = std::vector<std::uint32_t>;
-
-// A picture in format 1 of which only the low byte (red) is set.
-Image Reds(int width, int height, const Words& reds) { return {width, height, 1, reds}; }
 
 // The red of every pixel of the result in format 1; the rest must be opaque black.
 Words ResampledReds(int mode, const Image& source, int width, int height) {

@@ -3,14 +3,13 @@
 #include "tests/oracles/smooth_enlarge.h"
 
 #include <algorithm>
-#include <cfloat>
 #include <stdexcept>
 #include <vector>
 
+#include "tests/oracles/numbers.h"
+
 namespace oracle {
 namespace {
-
-static_assert(FLT_EVAL_METHOD == 0, "every operation must be rounded to its own type");
 
 using Weights = std::array<float, 4>;
 

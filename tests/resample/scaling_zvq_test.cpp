@@ -268,6 +268,19 @@ TEST(ScalingZVQ, RequestsItsBlocksInOrder) {
   EXPECT_EQ(sizes, expected);
 }
 
+TEST(ScalingZVQ, GivesBackAllItsMemoryWhicheverBlockFails) {
+  support::LoadedPlugin plugin;
+  host::Picture* source = plugin.Host().NewPicture({.width = 3, .height = 2});
+  const std::vector<host::Value> arguments = {1, 4, 5, 0};
+  for (int failing = 0; failing <= 2 + 4 + 1 + 5; ++failing) {
+    for (const bool andLater : {false, true}) {
+      const support::AllocationWatch watch(failing, andLater);
+      plugin.Library().Call("ScalingZVQ", source, arguments);
+      EXPECT_EQ(watch.LiveBlocks(), 0) << failing;
+    }
+  }
+}
+
 TEST(ScalingZVQ, AMissingImageOrHeadArrayGivesNil) {
   struct Row {
     int failing, yields;

@@ -90,6 +90,7 @@ TEST(SmoothEnlarger, RequestsFiveBlocksInOrder) {
   {
     const support::AllocationWatch watch;
     plugin.Library().Call("ScaleZVQ", source, request);
+    EXPECT_EQ(watch.LiveBlocks(), 0);
     sizes = watch.Sizes();
   }
   const std::vector<std::size_t> expected = {12 * 4 + 20, 12 * 4 + 20, 12 * 16 + 20, 12 * 16 + 20,
@@ -112,6 +113,7 @@ TEST(SmoothEnlarger, AnyMissingBlockLeavesItToTheFastScaler) {
         const support::AllocationWatch watch(missing, andLater);
         report = plugin.Library().Call("ScaleZVQ", source, request);
         calls = watch.Calls();
+        EXPECT_EQ(watch.LiveBlocks(), 0);
       }
       ASSERT_NE(report.ResultPicture(), nullptr) << missing;
       EXPECT_EQ(support::Difference(expected, support::ImageOf(*report.ResultPicture())), "");

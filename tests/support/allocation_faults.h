@@ -18,6 +18,8 @@ class AllocationWatch {
   AllocationWatch& operator=(const AllocationWatch&) = delete;
 
   int Calls() const;
+  // Blocks allocated while this watch lived and not freed since.
+  int LiveBlocks() const;
   std::vector<std::size_t> Sizes() const;  // bytes of each call, failed ones included
 };
 
