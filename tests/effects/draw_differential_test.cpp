@@ -10,6 +10,7 @@
 
 #include "tests/effects/drawing.h"
 #include "tests/oracles/draw_picture.h"
+#include "tests/support/coverage.h"
 #include "tests/support/random.h"
 
 namespace {
@@ -20,11 +21,6 @@ using support::Random;
 
 constexpr int kCasesPerCell = 12;
 constexpr int kLargestSide = 16;
-
-const std::map<ApplicationKind, std::string> kKindNames = {{ApplicationKind::kDesktop, "desktop"},
-                                                           {ApplicationKind::kWeb, "web"},
-                                                           {ApplicationKind::kConsole, "console"},
-                                                           {ApplicationKind::kNone, "none"}};
 
 // What is cycled through from case to case, so that each value meets every other.
 const std::string kPositions[] = {"whole", "eighths", "fraction", "far", "strange"};
@@ -157,7 +153,7 @@ std::string RunCase(support::LoadedPlugin& plugin, Random& random, const Cell& c
 
 std::vector<Cell> AllCells() {
   std::vector<Cell> cells;
-  for (const auto& [kind, kindName] : kKindNames) {
+  for (const auto& [kind, kindName] : support::KindNames()) {
     const bool buffers = kind == ApplicationKind::kWeb || kind == ApplicationKind::kConsole;
     const std::vector<int> formats =
         buffers ? std::vector<int>{8, -8} : std::vector<int>{1, 2, 3, 4, 5, 6, -1, -2};
@@ -206,7 +202,7 @@ TEST(DrawPicture, MatchesTheOracleForEveryKindFormatAndPosition) {
     Random random(++seed);
     support::LoadedPlugin plugin({.kind = cell.kind});
     const bool buffers = std::abs(cell.dest) == 8;
-    int& count = formats[kKindNames.at(cell.kind) + " " + FormatName(cell.dest)]
+    int& count = formats[support::KindNames().at(cell.kind) + " " + FormatName(cell.dest)]
                         [cell.itself ? "itself" : FormatName(cell.source)];
     for (int k = 0; k < (buffers ? 5 : 2) * kCasesPerCell; ++k, ++total) {
       Sorts sort;
@@ -216,7 +212,7 @@ TEST(DrawPicture, MatchesTheOracleForEveryKindFormatAndPosition) {
       if (cell.itself && sort.mask == "receiver") sort.mask = "own size";
       sort.maskFormat = buffers ? 8 : random.Between(1, 6);
       ASSERT_EQ(RunCase(plugin, random, cell, sort, visible), "")
-          << kKindNames.at(cell.kind) << ", " << FormatName(cell.source) << " -> "
+          << support::KindNames().at(cell.kind) << ", " << FormatName(cell.source) << " -> "
           << FormatName(cell.dest) << ", " << sort.position << ", " << sort.opacity << ", "
           << sort.mask << ", seed " << seed << ", case " << k;
       ++count;

@@ -3,12 +3,12 @@
 // covered and fails on a gap.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "tests/oracles/scale_method.h"
+#include "tests/support/coverage.h"
 #include "tests/support/pictures.h"
 #include "tests/support/plugin_under_test.h"
 #include "tests/support/random.h"
@@ -22,11 +22,6 @@ using support::Random;
 
 constexpr int kCasesPerCell = 16;
 constexpr int kLargestSide = 67;
-
-const std::map<ApplicationKind, std::string> kKindNames = {{ApplicationKind::kDesktop, "desktop"},
-                                                           {ApplicationKind::kWeb, "web"},
-                                                           {ApplicationKind::kConsole, "console"},
-                                                           {ApplicationKind::kNone, "none"}};
 
 // What the request does to the picture; the fast branch is told apart by it.
 enum class Request { kSame, kSmooth, kShrink, kEnlarge, kMixed };
@@ -117,7 +112,7 @@ std::string RunCase(support::LoadedPlugin& plugin, Random& random, const Cell& c
 
 std::vector<Cell> AllCells() {
   std::vector<Cell> cells;
-  for (const auto& [kind, kindName] : kKindNames) {
+  for (const auto& [kind, kindName] : support::KindNames()) {
     const bool buffers = kind == ApplicationKind::kWeb || kind == ApplicationKind::kConsole;
     for (const bool alpha : {false, true}) {
       std::vector<int> formats = {8};
@@ -135,27 +130,18 @@ std::vector<Cell> AllCells() {
 }
 
 std::string RowName(const Cell& cell) {
-  return kKindNames.at(cell.kind) + (cell.alpha ? " alpha " : " opaque ") +
+  return support::KindNames().at(cell.kind) + (cell.alpha ? " alpha " : " opaque ") +
          std::to_string(cell.sourceFormat) + " -> " + std::to_string(cell.resultFormat);
 }
 
-void PrintCoverage(const std::map<std::string, std::map<Request, int>>& covered) {
-  std::printf("%-24s", "kind, source -> result");
-  for (const auto& [request, name] : kRequestNames) std::printf("%9s", name.c_str());
-  std::printf("\n");
-  for (const auto& [row, counts] : covered) {
-    std::printf("%-24s", row.c_str());
-    for (const auto& [request, name] : kRequestNames) {
-      const auto found = counts.find(request);
-      std::printf("%9d", found == counts.end() ? 0 : found->second);
-    }
-    std::printf("\n");
-  }
+std::vector<std::string> RequestNames() {
+  std::vector<std::string> names;
+  for (const auto& [request, name] : kRequestNames) names.push_back(name);
+  return names;
 }
 
 TEST(ScaleZVQ, MatchesTheOracleForEveryKindFormatAndBranch) {
-  std::map<std::string, std::map<Request, int>> covered;
-  int total = 0;
+  support::Coverage covered(RequestNames());
   std::uint32_t seed = 20130400;
   for (const Cell& cell : AllCells()) {
     Random random(++seed);
@@ -170,19 +156,12 @@ TEST(ScaleZVQ, MatchesTheOracleForEveryKindFormatAndBranch) {
       ASSERT_EQ(RunCase(plugin, random, cell), "")
           << RowName(cell) << ", " << kRequestNames.at(cell.request) << ", seed " << seed
           << ", case " << k;
-      ++covered[RowName(cell)][cell.request];
-      ++total;
+      covered.Count(RowName(cell), kRequestNames.at(cell.request));
     }
   }
-  PrintCoverage(covered);
-  std::printf("%d cases, none differing\n", total);
-  EXPECT_EQ(covered.size(), 2U * (36 + 4) + 2U * 2) << "a row of the table is missing";
-  for (const auto& [row, counts] : covered) {
-    for (const auto& [request, name] : kRequestNames) {
-      const auto found = counts.find(request);
-      EXPECT_TRUE(found != counts.end() && found->second == kCasesPerCell) << row << ", " << name;
-    }
-  }
+  covered.Print("kind, source -> result");
+  EXPECT_EQ(covered.Rows(), 2U * (36 + 4) + 2U * 2) << "a row of the table is missing";
+  EXPECT_EQ(covered.Gaps(kCasesPerCell), std::vector<std::string>());
 }
 
 }  // namespace

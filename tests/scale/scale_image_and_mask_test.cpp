@@ -7,7 +7,6 @@
 #include "plugin/yield.h"
 #include "tests/oracles/fast_scale.h"
 #include "tests/oracles/image_and_mask.h"
-#include "tests/support/allocation_faults.h"
 #include "tests/support/linked_plugin.h"
 #include "tests/support/pictures.h"
 #include "tests/support/plugin_under_test.h"

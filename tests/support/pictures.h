@@ -11,7 +11,7 @@
 
 namespace support {
 
-// A picture of that size, format and content. The rest of the spec is taken as it is; format 8
+// A picture of that size, format and content. Everything else is as `spec` says; format 8
 // makes a host buffer.
 host::Picture* PictureOf(host::Runtime& runtime, const oracle::Image& image,
                          host::PictureSpec spec = {});
