@@ -21,5 +21,6 @@ void AddMethodsCommand(CLI::App& app, Action& chosen);
 void AddSampleCommand(CLI::App& app, Action& chosen);
 void AddInfoCommand(CLI::App& app, Action& chosen);
 void AddSheetCommand(CLI::App& app, Action& chosen);
+void AddValidateCommand(CLI::App& app, Action& chosen);
 
 }  // namespace tool

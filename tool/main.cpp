@@ -24,6 +24,7 @@ int main(int argc, char** argv) {
   tool::AddSampleCommand(app, chosen);
   tool::AddInfoCommand(app, chosen);
   tool::AddSheetCommand(app, chosen);
+  tool::AddValidateCommand(app, chosen);
 
   try {
     app.parse(argc, argv);
