@@ -70,7 +70,8 @@ void Yield() {
   EntryScope call("REALYieldToRB", Kind::kNoResult, Listed("REALYieldToRB", {}));
   if (call.Failed()) return;
   Entries::CountYield(call.Host());
-  if (call.Host().onYield) call.Host().onYield();
+  // A copy, because the hook may replace itself while it runs.
+  if (const auto hook = call.Host().onYield) hook();
 }
 
 // Plug-ins ask for its address and never call it.

@@ -69,7 +69,8 @@ class Runtime {
 
   // Called before each entry does its work; may throw (the exception passes through the plug-in).
   std::function<Verdict(const EntryCall&)> intercept;
-  // Called by "REALYieldToRB"; may call plug-in methods.
+  // Called by "REALYieldToRB"; may call plug-in methods. Like the interceptor, it may replace
+  // itself.
   std::function<void()> onYield;
   // Changes what newPicture and the constructor make: a hostile host, or one of other formats.
   std::function<void(PictureSpec&)> adjustNewPicture;
