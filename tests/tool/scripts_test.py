@@ -224,7 +224,7 @@ class Setup(SmallProject):
     def path_without(self, *missing):
         folder = self.root / "bin"
         folder.mkdir()
-        for name in ("bash basename cat cmake dirname env g++ git head id ld as ninja mktemp "
+        for name in ("bash basename cat clang++ cmake dirname env g++ git head id ld as ninja mktemp "
                      "python3 rm sed sort uname").split():  # fmt: skip
             if name not in missing:
                 (folder / name).symlink_to(shutil.which(name))
