@@ -70,8 +70,7 @@ void Yield() {
   EntryScope call("REALYieldToRB", Kind::kNoResult, Listed("REALYieldToRB", {}));
   if (call.Failed()) return;
   Entries::CountYield(call.Host());
-  // A copy, because the hook may replace itself while it runs.
-  if (const auto hook = call.Host().onYield) hook();
+  if (call.Host().onYield) call.Host().onYield();
 }
 
 // Plug-ins ask for its address and never call it.

@@ -42,10 +42,9 @@ EntryScope::EntryScope(const char* entry, Kind kind, std::string line)
   const int number = Entries::CountCall(runtime_);
   taker_ = runtime_.Taker(entry);
   if (kind_ == Kind::kNoResult) runtime_.Calls().Add(line_);
-  const auto intercept = runtime_.intercept;  // a copy, because it may replace itself while it runs
-  if (!intercept) return;
+  if (!runtime_.intercept) return;
   try {
-    verdict_ = intercept({entry, number});
+    verdict_ = runtime_.intercept({entry, number});
   } catch (...) {
     if (kind_ == Kind::kHasResult) runtime_.Calls().Add(line_ + " threw");
     throw;

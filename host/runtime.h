@@ -69,8 +69,8 @@ class Runtime {
 
   // Called before each entry does its work; may throw (the exception passes through the plug-in).
   std::function<Verdict(const EntryCall&)> intercept;
-  // Called by "REALYieldToRB"; may call plug-in methods. Like the interceptor, it may replace
-  // itself.
+  // Called by "REALYieldToRB"; may call plug-in methods. Like the interceptor, it keeps its own
+  // state from call to call and must not replace itself while it runs.
   std::function<void()> onYield;
   // Changes what newPicture and the constructor make: a hostile host, or one of other formats.
   std::function<void(PictureSpec&)> adjustNewPicture;
