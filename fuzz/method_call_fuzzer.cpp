@@ -80,16 +80,26 @@ class Call {
     return support::PictureOf(runtime_, image, spec);
   }
 
-  // Mostly small, sometimes anything.
-  std::int32_t AnySize() {
-    return input_.Between(0, 15) == 0 ? static_cast<std::int32_t>(input_.Word() % 70000) - 100
-                                      : input_.Between(-1, 60);
+  struct Size {
+    std::int32_t width, height;
+  };
+
+  // Mostly small, sometimes long on one side; never more than a host can hold, which the oracles do
+  // not know.
+  Size AnySize() {
+    Size size = {input_.Between(-1, 60), input_.Between(-1, 60)};
+    if (input_.Between(0, 15) == 0) {
+      std::int32_t& side = input_.Coin() ? size.width : size.height;
+      side = input_.Between(-100, 69900);
+    }
+    return size;
   }
 
   void Scale(const Image& image, bool alpha) {
     oracle::ScaleRequest request;
-    request.width = AnySize();
-    request.height = AnySize();
+    const Size size = AnySize();
+    request.width = size.width;
+    request.height = size.height;
     request.antiAlias = input_.Coin();
     request.resultFormat = ResultFormat(alpha);
     request.hasAlpha = alpha;
@@ -103,8 +113,9 @@ class Call {
   void ScaleByMode(const Image& image, bool alpha) {
     oracle::ScalingRequest request;
     request.mode = input_.Between(0, 8);
-    request.width = AnySize();
-    request.height = AnySize();
+    const Size size = AnySize();
+    request.width = size.width;
+    request.height = size.height;
     request.hasAlpha = alpha;
     request.hostVersion = runtime_.Options().version;
     request.resultFormat = ResultFormat(alpha);
@@ -122,8 +133,9 @@ class Call {
       runtime_.SetMask(source_, MakePicture(maskImage, false));
     }
     oracle::ImageAndMaskRequest request;
-    request.width = AnySize();
-    request.height = AnySize();
+    const Size size = AnySize();
+    request.width = size.width;
+    request.height = size.height;
     request.antiAlias = input_.Coin();
     request.picture.format = ResultFormat(false);
     request.mask.format = ResultFormat(false);
