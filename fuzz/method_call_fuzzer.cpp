@@ -89,8 +89,12 @@ class Call {
   Size AnySize() {
     Size size = {input_.Between(-1, 60), input_.Between(-1, 60)};
     if (input_.Between(0, 15) == 0) {
-      std::int32_t& side = input_.Coin() ? size.width : size.height;
-      side = input_.Between(-100, 69900);
+      // Guarded host buffers take a mapping for each row, of which a process has some 65,000.
+      if (input_.Coin()) {
+        size.width = input_.Between(-100, 69900);
+      } else {
+        size.height = input_.Between(-100, 12000);
+      }
     }
     return size;
   }
