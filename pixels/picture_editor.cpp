@@ -102,7 +102,7 @@ PictureEditor::Outcome PictureEditor::LockBitmapContext(REALpicture pic) {
       !IsAddressable(contextWidth, contextHeight, bytesPerRow)) {
     return Outcome::kRefused;
   }
-  Hold(pic);
+  if (!Hold(pic)) return Outcome::kRefused;
   lock.Keep();
   if (hasAlpha) alphaLocked = true;
   pixelFormat = static_cast<std::int32_t>(alphaInfo);
@@ -142,7 +142,7 @@ bool PictureEditor::LockHostBuffer(REALpicture pic) {
       buffer.rowTable[0] == nullptr) {
     return false;
   }
-  Hold(pic);
+  if (!Hold(pic)) return false;
   lock.Keep();
   pixelFormat = kFormatHostBuffer;
   rowBytes = description.width * kBytesPerPixel;
@@ -154,10 +154,14 @@ bool PictureEditor::LockHostBuffer(REALpicture pic) {
   return true;
 }
 
-// Takes a reference to the locked picture and gives up any earlier one.
-void PictureEditor::Hold(REALpicture pic) {
+// Takes a reference to the locked picture and gives up any earlier one. False on a host without the
+// routine for that: a new picture would be gone while it is written, and the caller's would lose a
+// reference that was never taken.
+bool PictureEditor::Hold(REALpicture pic) {
   REALLockObject(pic);
+  if (pLockObject == nullptr) return false;
   descriptionLocked = true;
   bytesPerPixel = kBytesPerPixel;
   if (REALpicture earlier = std::exchange(picture, pic)) REALUnlockObject(earlier);
+  return true;
 }

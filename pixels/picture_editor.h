@@ -22,7 +22,8 @@ class PictureEditor {
   PictureEditor& operator=(const PictureEditor&) = delete;
 
   // Releases what the editor held and locks `pic`: as a bitmap context, or else as a host buffer. 1
-  // on success; 0 on failure, which leaves the editor released. Never raises.
+  // on success; 0 on failure, which leaves the editor released. A host that cannot count references
+  // gets no lock. Never raises.
   //
   // mayCopy: an opaque picture that cannot be locked on a desktop host is read through a private
   // copy; never done when `writable`. writable: pixels will be changed, so the host's cached
@@ -83,7 +84,7 @@ class PictureEditor {
   Outcome LockBitmapContext(REALpicture pic);
   Outcome LockPrivateCopy(REALpicture pic, int copiesMade);
   bool LockHostBuffer(REALpicture pic);
-  void Hold(REALpicture pic);
+  bool Hold(REALpicture pic);
 };
 
 // Reads a source picture.

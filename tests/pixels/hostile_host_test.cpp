@@ -39,6 +39,26 @@ void ExpectRefused(const host::RuntimeOptions& options, const host::PictureSpec&
   }
 }
 
+TEST(UncountedReferences, AHostThatCannotCountThemGetsNoLockAndNoRelease) {
+  const std::pair<host::RuntimeOptions, host::PictureSpec> rows[] = {
+      {Desktop(), Context(3, 2)}, {Desktop(), AlphaContext(3, 2)}, {Console(), Buffer(3, 2)}};
+  for (const auto& [options, spec] : rows) {
+    for (const bool writable : {false, true}) {
+      LinkedHost host(options);
+      host.KnowKind();
+      host.runtime.Withhold("REALLockObject");
+      host::Picture* picture = host.Make(spec);
+      {
+        PictureEditor editor;
+        EXPECT_EQ(editor.GetPictureEditor(HandleOf(picture), !writable, writable), 0);
+        EXPECT_EQ(host.Calls().back(), "unlockPictureDescription(Picture#1)");
+      }
+      EXPECT_EQ(host.Calls(), Lines{});
+      EXPECT_EQ(host.LeftOver(), Lines{});
+    }
+  }
+}
+
 TEST(HostileContext, WithoutPixelsOrWithShortRowsIsUnlockedAndRefused) {
   const struct {
     const char* what;

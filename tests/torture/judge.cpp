@@ -217,6 +217,18 @@ std::string Judge::OnThrow(const Fault& fault, const Outcome& outcome) const {
   return wrong + Integrity(judged, true);
 }
 
+std::string Judge::OnUncountable(const Outcome& outcome) const {
+  std::string wrong;
+  Answer expected = due_.Undisturbed().answer;
+  if (expected == Answer::kPicture) expected = Answer::kNil;
+  if (expected == Answer::kTrue) expected = Answer::kFalse;
+  if (outcome.answer != expected) wrong += "another answer\n";
+  if (outcome.receiver != due_.Before()) wrong += "the receiver was changed\n";
+  Outcome judged = outcome;
+  if (expected == Answer::kReceiver) --judged.owed[1].references;
+  return wrong + Integrity(judged, true) + RaisedWrongly(outcome);
+}
+
 std::string Judge::OnWithheld(const std::string& name, const Outcome& without,
                               const Outcome& failing) const {
   std::string wrong;

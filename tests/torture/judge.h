@@ -21,6 +21,9 @@ class Judge {
   // A host without an entry behaves like one where it always fails, which is judged on its own.
   std::string OnWithheld(const std::string& name, const Outcome& without,
                          const Outcome& failing) const;
+  // A host that cannot count references gets no pixels read or written, and its own picture back
+  // without a reference.
+  std::string OnUncountable(const Outcome& outcome) const;
 
   // Whether that host call of the undisturbed method is made by a release: what it throws ends the
   // process.

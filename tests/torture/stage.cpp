@@ -156,10 +156,9 @@ Outcome Stage::Run(const Fault& fault, bool listCalls) {
   Outcome outcome;
   if (plugin_.Library().Find(NameOf(scenario_.variant.method)) == nullptr) return outcome;
   host::Runtime& runtime = Host();
-  // A reference that a host refuses to count would leave the plug-in with pictures that are gone.
+  // A reference that a host does not count without a word would leave the plug-in with pictures that are gone.
   // Such a host keeps them here.
-  const bool keeps = fault.failingEntry == "REALLockObject" || fault.withheld == "REALLockObject" ||
-                     fault.uncounted;
+  const bool keeps = fault.failingEntry == "REALLockObject" || fault.uncounted;
   if (keeps) Restore(true);
   const Pictures& pictures = FreshPictures();
   base_ = runtime.Book().Objects().size();
