@@ -18,7 +18,7 @@ using OwnedText = std::unique_ptr<char, Freed>;
 
 std::string Extended(const std::string& declaration, const std::string& className) {
   const std::size_t place = declaration.find_first_of("( ");
-  if (place == std::string::npos || place > kLongest) {
+  if (place > kLongest) {  // or nowhere
     return (declaration + "(extends ref as " + className + ")").substr(0, kLongest + 1);
   }
   const std::string start = declaration.substr(0, place) + "(extends ref as " + className;

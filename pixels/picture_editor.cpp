@@ -154,7 +154,7 @@ bool PictureEditor::LockHostBuffer(REALpicture pic) {
   return true;
 }
 
-// Takes a reference to the locked picture and gives up any earlier one. False on a host without the
+// Takes a reference to the locked picture. False on a host without the
 // routine for that: a new picture would be gone while it is written, and the caller's would lose a
 // reference that was never taken.
 bool PictureEditor::Hold(REALpicture pic) {
@@ -162,6 +162,6 @@ bool PictureEditor::Hold(REALpicture pic) {
   if (pLockObject == nullptr) return false;
   descriptionLocked = true;
   bytesPerPixel = kBytesPerPixel;
-  if (REALpicture earlier = std::exchange(picture, pic)) REALUnlockObject(earlier);
+  picture = pic;
   return true;
 }

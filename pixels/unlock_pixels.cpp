@@ -14,7 +14,7 @@ CFStringRef AsString(const CFConstantString& text) { return reinterpret_cast<CFS
 
 // One reference for the caller, or null.
 CFURLRef NewBundleUrl() {
-  FSRef folder;
+  FSRef folder = {};
   if (FSFindFolder(kFolderDomain, kFrameworksFolderType, 1, &folder) != 0) return nullptr;
   CFURLRef folderUrl = CFURLCreateFromFSRef(kCFAllocatorSystemDefault, &folder);
   if (folderUrl == nullptr) return nullptr;

@@ -38,7 +38,7 @@ bool AppendModuleMethods(const REALmethodDefinition& method, const char* classNa
                          REALmethodDefinition*& next) {
   if (method.setter != nullptr) {
     char* extended = AddClassParameter(method.declaration, className);
-    if (extended == nullptr || extended[0] == '\0') return false;
+    if (extended == nullptr) return false;
     const char* declaration = AddAssignsParameter(extended);
     std::free(extended);
     if (declaration == nullptr) return false;
@@ -46,7 +46,7 @@ bool AppendModuleMethods(const REALmethodDefinition& method, const char* classNa
   }
   if (method.implementation != nullptr) {
     const char* declaration = AddClassParameter(method.declaration, className);
-    if (declaration == nullptr || declaration[0] == '\0') return false;
+    if (declaration == nullptr) return false;
     *next++ = ModuleMethod(method, method.implementation, declaration);
   }
   return true;

@@ -83,6 +83,7 @@ TEST(OwnCopy, RecordsThatCannotBeCopiedAreUnlockedAndClearedAllTheSame) {
       {"height", [](View view) { view.buffer.height = 1; }},
       {"no row table", [](View view) { view.buffer.rowTable = nullptr; }},
       {"no handle", [](View view) { view.description.handle = nullptr; }},
+      {"type", [](View view) { view.description.type = 8; }},
   };
   for (const auto& row : rows) {
     for (const bool distortSource : {false, true}) {

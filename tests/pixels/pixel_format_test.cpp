@@ -52,6 +52,15 @@ TEST(PixelFormat, ChannelsLieWhereTheFormatSays) {
   }
 }
 
+TEST(PixelFormat, AnUnknownFormatReadsAsBlackWhateverTheWord) {
+  for (const int format : {0, 7, 9, -1}) {
+    for (std::uint32_t word = 1; word != 0; word <<= 1) {
+      const Rgb colour = Decode(LayoutOf(format), word);
+      EXPECT_EQ(colour.r + colour.g + colour.b, 0U) << format;
+    }
+  }
+}
+
 TEST(PixelFormat, OpaqueWordsHaveAlpha255AndAHostBufferTopByte0) {
   EXPECT_EQ(EncodeOpaque(PixelLayout::kRedFirst, {0x10, 0x20, 0x30}), 0xFF302010u);
   EXPECT_EQ(EncodeOpaque(PixelLayout::kAlphaFirst, {0x10, 0x20, 0x30}), 0x302010FFu);

@@ -161,6 +161,13 @@ TEST_F(ModuleRegistrationTest, RegistersNothingWithoutMethods) {
   EXPECT_EQ(watch.Calls(), 0);
 }
 
+TEST_F(ModuleRegistrationTest, AListWithoutACountIsNoList) {
+  REALmethodDefinition method = {kGet, nullptr, "F", 0, {0, 0}};
+  record_.methods = &method;
+  RegisterModule(record_);
+  EXPECT_EQ(host_.Lines(), Lines{});
+}
+
 TEST_F(ModuleRegistrationTest, RegistersNothingWhenNoMethodHasARoutine) {
   const AllocationWatch watch;
   Register({{nullptr, nullptr, "F", 0, {0, 0}}, {nullptr, nullptr, "G", 0, {0, 0}}});

@@ -140,6 +140,18 @@ TEST(ContributionLists, AListBeyondTheSizeRuleIsNotRequested) {
   EXPECT_EQ(lists[0].count, 0);
 }
 
+TEST(ContributionLists, AStretchThatIsNoNumberOfPixelsGivesAnEmptyList) {
+  // 8 / (1 / 2^30): 2^33 pixels on either side fit no 32-bit number.
+  for (const Axis axis : {Axis::kAlongRows, Axis::kAlongColumns}) {
+    ContributionLists lists;
+    ASSERT_TRUE(lists.Resize(1));
+    const support::AllocationWatch watch;
+    lists.Build<Lanczos8Filter>(1 << 30, axis);
+    EXPECT_EQ(watch.Calls(), 0);
+    EXPECT_EQ(lists[0].count, 0);
+  }
+}
+
 TEST(ContributionLists, HeadsAreReusedWhenTheyAreEnough) {
   ContributionLists lists;
   ASSERT_TRUE(lists.Resize(9));

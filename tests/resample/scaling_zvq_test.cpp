@@ -178,6 +178,22 @@ TEST(ScalingZVQ, BadArgumentsGiveNilAndTouchNothing) {
   EXPECT_EQ(plugin.Host().Yields(), 0);
 }
 
+TEST(ScalingZVQ, AnUnreadablePictureGivesNilWithoutAllocatingOrYielding) {
+  support::LoadedPlugin plugin;
+  const support::RushingClock clock;
+  host::Picture* source = plugin.Host().NewPicture(plugin.Host().NewAlphaPictureSpec(3, 3));
+  source->refuseLocks = true;
+  for (int mode = 1; mode <= 7; ++mode) {
+    const std::vector<host::Value> arguments = {mode, 2, 2, 1};
+    const support::AllocationWatch watch;
+    const host::CallReport report = plugin.Library().Call("ScalingZVQ", source, arguments);
+    EXPECT_EQ(report.ResultPicture(), nullptr);
+    EXPECT_EQ(watch.Calls(), 0);
+    EXPECT_EQ(support::Complaints(report), "");
+  }
+  EXPECT_EQ(plugin.Host().Yields(), 0);
+}
+
 TEST(ScalingZVQ, SizesWhoseProductsWrapGiveNilWithoutAllocatingOrYielding) {
   support::LoadedPlugin plugin;
   const support::RushingClock clock;

@@ -133,6 +133,21 @@ TEST(ScaleImageAndMaskZVQ, ThePicturesOwnSizeGivesThePictureWithItsMaskUntouched
   }
 }
 
+TEST(ScaleImageAndMaskZVQ, OneSideOfItsOwnSizeIsScaledAllTheSame) {
+  for (const auto& [width, height] : {std::pair{2, 3}, {3, 2}, {2, 1}, {1, 2}}) {
+    support::LoadedPlugin plugin;
+    host::Picture* source = support::PictureOf(plugin.Host(), kFour);
+    const auto report =
+        plugin.Library().Call("ScaleImageAndMaskZVQ", source, {width, height, false, 0});
+    ASSERT_NE(report.ResultPicture(), nullptr);
+    ASSERT_NE(report.ResultPicture(), source);
+    EXPECT_EQ(support::Difference(oracle::FastScale(kFour, width, height, 6),
+                                  support::ImageOf(*report.ResultPicture())),
+              "");
+    EXPECT_EQ(support::Complaints(report), "");
+  }
+}
+
 TEST(ScaleImageAndMaskZVQ, SizesOutsideTheLimitsGiveNil) {
   struct Row {
     int width, height;
