@@ -17,5 +17,7 @@ function(varnell_plugin_objects target)
   target_compile_options(${target} PRIVATE -ffp-contract=off -fvisibility=hidden
     -fvisibility-inlines-hidden -fno-builtin-calloc -fno-strict-aliasing
     $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
+  # The host's routines are called by words of the right size, whatever their types are at the host.
+  target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:Clang>:-fno-sanitize=function>)
   varnell_warnings(${target} -Wconversion)
 endfunction()

@@ -4,20 +4,19 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <map>
 #include <string>
 
 #include "tests/oracles/blur.h"
-#include "tests/support/coverage.h"
+#include "tests/support/differential.h"
 #include "tests/support/pictures.h"
-#include "tests/support/plugin_under_test.h"
-#include "tests/support/random.h"
 
 namespace {
 
-using host::ApplicationKind;
 using oracle::BlurOutcome;
 using oracle::Image;
+using support::FormatPair;
 using support::Random;
 
 constexpr int kCasesPerCell = 6;
@@ -31,10 +30,7 @@ const std::map<Request, std::string> kRequestNames = {
     {Request::kLarger, "larger"}, {Request::kNarrower, "narrower"}};
 
 struct Cell {
-  ApplicationKind kind;
-  bool alpha;
-  int sourceFormat;
-  int resultFormat;
+  FormatPair formats;
   Request request;
 };
 
@@ -61,11 +57,8 @@ double Radius(Random& random, Request request, const Image& source) {
 std::string RunCase(support::LoadedPlugin& plugin, Random& random, const Cell& cell) {
   const int least = cell.request == Request::kNarrower || cell.request == Request::kShorter ? 2 : 1;
   const Image image = random.Noise(random.Between(least, kLargestSide),
-                                   random.Between(least, kLargestSide), cell.sourceFormat);
-  host::PictureSpec spec;
-  spec.rowPadding = 4 * random.Between(0, 5);
-  spec.guard = random.AnyGuard();
-  spec.hasAlphaChannel = cell.alpha;
+                                   random.Between(least, kLargestSide), cell.formats.source);
+  const host::PictureSpec spec = support::AnyMemory(random, cell.formats.alpha);
   host::Picture* source = support::PictureOf(plugin.Host(), image, spec);
   int width = image.width;
   int height = image.height;
@@ -82,9 +75,9 @@ std::string RunCase(support::LoadedPlugin& plugin, Random& random, const Cell& c
     made.guard = random.AnyGuard();
   };
   const double radius = Radius(random, cell.request, image);
-  const std::uint32_t white = cell.resultFormat == 8 ? 0x00FFFFFF : 0xFFFFFFFF;  // a new picture
+  const std::uint32_t white = cell.formats.result == 8 ? 0x00FFFFFF : 0xFFFFFFFF;  // a new picture
   const oracle::BlurResult expected =
-      oracle::Blur(image, radius, cell.resultFormat, white, width, height);
+      oracle::Blur(image, radius, cell.formats.result, white, width, height);
   const host::CallReport report = plugin.Library().Call("BlurZVQ", source, {radius, 0});
 
   std::string problem = support::Complaints(report);
@@ -108,51 +101,26 @@ std::string RunCase(support::LoadedPlugin& plugin, Random& random, const Cell& c
   return problem;
 }
 
-std::vector<Cell> AllCells() {
-  std::vector<Cell> cells;
-  for (const auto& [kind, kindName] : support::KindNames()) {
-    const bool buffers = kind == ApplicationKind::kWeb || kind == ApplicationKind::kConsole;
-    for (const bool alpha : {false, true}) {
-      const std::vector<int> results =
-          buffers ? std::vector<int>{8} : std::vector<int>{1, 2, 3, 4, 5, 6};
-      const std::vector<int> sources = alpha && !buffers ? std::vector<int>{1, 2} : results;
-      for (int source : sources) {
-        for (int result : results) {
-          for (const auto& [request, name] : kRequestNames) {
-            cells.push_back({kind, alpha, source, result, request});
-          }
-        }
-      }
-    }
-  }
-  return cells;
-}
-
-std::string RowName(const Cell& cell) {
-  return support::KindNames().at(cell.kind) + (cell.alpha ? " alpha " : " opaque ") +
-         std::to_string(cell.sourceFormat) + " -> " + std::to_string(cell.resultFormat);
-}
-
-std::vector<std::string> RequestNames() {
-  std::vector<std::string> names;
-  for (const auto& [request, name] : kRequestNames) names.push_back(name);
-  return names;
-}
-
 TEST(Blur, MatchesTheOracleForEveryKindFormatAndRadius) {
-  support::Coverage covered(RequestNames());
-  std::uint32_t seed = 52000;
-  for (const Cell& cell : AllCells()) {
-    Random random(++seed);
-    support::LoadedPlugin plugin({.kind = cell.kind, .newPixelFormat = cell.resultFormat});
-    for (int k = 0; k < kCasesPerCell; ++k) {
-      ASSERT_EQ(RunCase(plugin, random, cell), "")
-          << RowName(cell) << ", " << kRequestNames.at(cell.request) << ", seed " << seed
-          << ", case " << k;
-      covered.Count(RowName(cell), kRequestNames.at(cell.request));
+  std::vector<std::string> columns;
+  for (const auto& [request, name] : kRequestNames) columns.push_back(name);
+  std::vector<support::DifferentialCell> cells;
+  for (const FormatPair& formats : support::AllFormatPairs(false)) {
+    const host::RuntimeOptions options = {.kind = formats.kind, .newPixelFormat = formats.result};
+    for (const auto& [request, name] : kRequestNames) {
+      const Cell cell = {formats, request};
+      cells.push_back(
+          {.row = formats.Name(),
+           .column = name,
+           .cases = kCasesPerCell,
+           .options = [=](Random&) { return options; },
+           .run = [=](auto& plugin, Random& random) { return RunCase(plugin, random, cell); }});
     }
   }
+  support::Coverage covered(columns);
+  ASSERT_EQ(support::RunCells(cells, 52000, covered), "");
   covered.Print("kind, source -> result");
+  std::printf("%d cases, none differing\n", covered.Total());
   EXPECT_EQ(covered.Rows(), 2U * (36 + 12) + 2U * 2) << "a row of the table is missing";
   EXPECT_EQ(covered.Gaps(kCasesPerCell), std::vector<std::string>());
 }

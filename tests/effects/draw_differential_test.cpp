@@ -4,14 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <limits>
-#include <map>
 #include <string>
+#include <vector>
 
 #include "tests/effects/drawing.h"
 #include "tests/oracles/draw_picture.h"
-#include "tests/support/coverage.h"
-#include "tests/support/random.h"
+#include "tests/support/differential.h"
 
 namespace {
 
@@ -23,15 +23,16 @@ constexpr int kCasesPerCell = 12;
 constexpr int kLargestSide = 16;
 
 // What is cycled through from case to case, so that each value meets every other.
-const std::string kPositions[] = {"whole", "eighths", "fraction", "far", "strange"};
-const std::string kOpacities[] = {"one", "part", "above", "below", "strange"};
-const std::string kMasks[] = {"no mask", "own size", "smaller", "larger", "receiver"};
+const std::vector<std::string> kPositions = {"whole", "eighths", "fraction", "far", "strange"};
+const std::vector<std::string> kOpacities = {"one", "part", "above", "below", "strange"};
+const std::vector<std::string> kMasks = {"no mask", "own size", "smaller", "larger", "receiver"};
 
 // Which pictures a cell draws. A negative format: with an alpha channel.
 struct Cell {
   ApplicationKind kind;
   int dest, source;
   bool itself;
+  bool Buffers() const { return std::abs(dest) == oracle::kHostBuffer; }
 };
 
 // Along one side; positions that are neither far nor strange let the pictures meet or just miss.
@@ -67,11 +68,7 @@ double Opacity(Random& random, const std::string& sort) {
 }
 
 host::Picture* Make(support::LoadedPlugin& plugin, Random& random, const Image& image, bool alpha) {
-  host::PictureSpec spec;
-  spec.rowPadding = 4 * random.Between(0, 5);
-  spec.guard = random.AnyGuard();
-  spec.hasAlphaChannel = alpha;
-  return support::PictureOf(plugin.Host(), image, spec);
+  return support::PictureOf(plugin.Host(), image, support::AnyMemory(random, alpha));
 }
 
 Image AnySize(Random& random, int format) {
@@ -143,8 +140,9 @@ std::string RunCase(support::LoadedPlugin& plugin, Random& random, const Cell& c
   }
   if (dest->DamagedPadding() + source->DamagedPadding() != 0) problem += "padding was written";
   if (!problem.empty()) {
-    problem += " (x " + std::to_string(x) + ", y " + std::to_string(y) + ", alpha " +
-               std::to_string(alpha) + ")";
+    problem += " (" + sorts.position + ", " + sorts.opacity + ", " + sorts.mask + ", x " +
+               std::to_string(x) + ", y " + std::to_string(y) + ", alpha " + std::to_string(alpha) +
+               ")";
   }
   if (!cell.itself) plugin.Host().Release(source);
   plugin.Host().Release(dest);
@@ -154,9 +152,8 @@ std::string RunCase(support::LoadedPlugin& plugin, Random& random, const Cell& c
 std::vector<Cell> AllCells() {
   std::vector<Cell> cells;
   for (const auto& [kind, kindName] : support::KindNames()) {
-    const bool buffers = kind == ApplicationKind::kWeb || kind == ApplicationKind::kConsole;
-    const std::vector<int> formats =
-        buffers ? std::vector<int>{8, -8} : std::vector<int>{1, 2, 3, 4, 5, 6, -1, -2};
+    std::vector<int> formats = support::FormatsOf(kind, false);
+    for (const int format : support::FormatsOf(kind, true)) formats.push_back(-format);
     for (const int dest : formats) {
       for (const int source : formats) cells.push_back({kind, dest, source, false});
       cells.push_back({kind, dest, dest, true});
@@ -169,70 +166,76 @@ std::string FormatName(int format) {
   return std::to_string(std::abs(format)) + (format < 0 ? " alpha" : "");
 }
 
-using Counts = std::map<std::string, int>;
+std::string RowName(const Cell& cell) {
+  return support::KindNames().at(cell.kind) + " " + FormatName(cell.dest);
+}
 
-// A line a row: the counts of all columns. Fails on a missing one.
-void PrintAndCheck(const std::map<std::string, Counts>& table) {
-  for (const auto& [row, counts] : table) {
-    std::printf("%-18s", row.c_str());
-    for (const auto& [column, count] : counts) {
-      std::printf(" %s %d", column.c_str(), count);
-      EXPECT_GT(count, 0) << row << ", " << column;
-    }
-    std::printf("\n");
-  }
+std::string ColumnName(const Cell& cell) {
+  return cell.itself ? "itself" : FormatName(cell.source);
+}
+
+int CasesOf(bool buffers) { return (buffers ? 5 : 2) * kCasesPerCell; }
+
+// By the names of a row and a column.
+int CasesDue(const std::string& row, const std::string& column) {
+  const bool buffers = row.starts_with("web") || row.starts_with("console");
+  const bool due = column == "itself" || column.starts_with("8") == buffers;
+  return due ? CasesOf(buffers) : 0;
+}
+
+// The sorts of the n-th case of all.
+Sorts SortsOf(Random& random, const Cell& cell, std::size_t n) {
+  Sorts sorts;
+  sorts.position = kPositions[n % 5];
+  sorts.opacity = kOpacities[n / 5 % 5];
+  sorts.mask = kMasks[n / 25 % 5];
+  if (cell.itself && sorts.mask == "receiver") sorts.mask = "own size";
+  sorts.maskFormat = cell.Buffers() ? 8 : random.Between(1, 6);
+  return sorts;
 }
 
 TEST(DrawPicture, MatchesTheOracleForEveryKindFormatAndPosition) {
-  std::map<std::string, Counts> formats;  // source formats by kind and receiver
-  std::map<std::string, Counts> sorts;    // opacities and masks by position
-  std::map<std::string, Counts> masks;    // mask formats by receiver
-  for (const auto& position : kPositions) {
-    for (const auto& opacity : kOpacities) sorts[position]["alpha " + opacity] = 0;
-    for (const auto& mask : kMasks) sorts[position][mask] = 0;
-  }
-  for (int dest : {1, 2, 3, 4, 5, 6, -1, -2}) {
-    for (int mask = 1; mask <= 6; ++mask)
-      masks["mask on " + FormatName(dest)][FormatName(mask)] = 0;
-  }
-  int total = 0;
+  support::Coverage covered(
+      {"1", "2", "3", "4", "5", "6", "1 alpha", "2 alpha", "8", "8 alpha", "itself"});
+  support::Coverage opacities(kOpacities);
+  support::Coverage masks(kMasks);
+  support::Coverage maskFormats({"1", "2", "3", "4", "5", "6"});
+  std::size_t cases = 0;
   int visible = 0;  // cases in which the picture leaves a trace
-  std::uint32_t seed = 51000;
+  std::vector<support::DifferentialCell> cells;
   for (const Cell& cell : AllCells()) {
-    Random random(++seed);
-    support::LoadedPlugin plugin({.kind = cell.kind});
-    const bool buffers = std::abs(cell.dest) == 8;
-    int& count = formats[support::KindNames().at(cell.kind) + " " + FormatName(cell.dest)]
-                        [cell.itself ? "itself" : FormatName(cell.source)];
-    for (int k = 0; k < (buffers ? 5 : 2) * kCasesPerCell; ++k, ++total) {
-      Sorts sort;
-      sort.position = kPositions[total % 5];
-      sort.opacity = kOpacities[total / 5 % 5];
-      sort.mask = kMasks[total / 25 % 5];
-      if (cell.itself && sort.mask == "receiver") sort.mask = "own size";
-      sort.maskFormat = buffers ? 8 : random.Between(1, 6);
-      ASSERT_EQ(RunCase(plugin, random, cell, sort, visible), "")
-          << support::KindNames().at(cell.kind) << ", " << FormatName(cell.source) << " -> "
-          << FormatName(cell.dest) << ", " << sort.position << ", " << sort.opacity << ", "
-          << sort.mask << ", seed " << seed << ", case " << k;
-      ++count;
-      ++sorts[sort.position]["alpha " + sort.opacity];
-      ++sorts[sort.position][sort.mask];
-      const bool own = sort.mask != "no mask" && sort.mask != "receiver";
-      if (own && !buffers) ++masks["mask on " + FormatName(cell.dest)][FormatName(sort.maskFormat)];
-    }
+    const auto run = [&, cell](support::LoadedPlugin& plugin, Random& random) {
+      const Sorts sorts = SortsOf(random, cell, cases++);
+      opacities.Count(sorts.position, sorts.opacity);
+      masks.Count(sorts.position, sorts.mask);
+      const bool own = sorts.mask != "no mask" && sorts.mask != "receiver";
+      if (own && !cell.Buffers()) {
+        maskFormats.Count(FormatName(cell.dest), FormatName(sorts.maskFormat));
+      }
+      return RunCase(plugin, random, cell, sorts, visible);
+    };
+    cells.push_back({.row = RowName(cell),
+                     .column = ColumnName(cell),
+                     .cases = CasesOf(cell.Buffers()),
+                     .options = [cell](Random&) { return host::RuntimeOptions{.kind = cell.kind}; },
+                     .run = run});
   }
-  PrintAndCheck(formats);
-  PrintAndCheck(sorts);
-  PrintAndCheck(masks);
-  EXPECT_EQ(formats.size(), 2U * 8 + 2U * 2) << "a row of the table is missing";
-  for (const auto& [row, counts] : formats) {
-    const bool buffers = row.starts_with("web") || row.starts_with("console");
-    EXPECT_EQ(counts.size(), buffers ? 3U : 9U) << row;
-  }
-  std::printf("%d cases, none differing, the picture visible in %d\n", total, visible);
-  EXPECT_GE(total, 3000);
-  EXPECT_GE(visible, total / 3);
+  ASSERT_EQ(support::RunCells(cells, 51000, covered), "");
+  covered.Print("receiver, source");
+  opacities.Print("position, opacity");
+  masks.Print("position, mask");
+  maskFormats.Print("receiver, mask format");
+  std::printf("%d cases, none differing, the picture visible in %d\n", covered.Total(), visible);
+  EXPECT_EQ(covered.Rows(), 2U * 8 + 2U * 2) << "a row of the table is missing";
+  EXPECT_EQ(covered.Unlike(CasesDue), std::vector<std::string>());
+  EXPECT_EQ(opacities.Rows(), kPositions.size());
+  EXPECT_EQ(opacities.Gaps(1), std::vector<std::string>());
+  EXPECT_EQ(masks.Rows(), kPositions.size());
+  EXPECT_EQ(masks.Gaps(1), std::vector<std::string>());
+  EXPECT_EQ(maskFormats.Rows(), 8U);
+  EXPECT_EQ(maskFormats.Gaps(1), std::vector<std::string>());
+  EXPECT_GE(covered.Total(), 3000);
+  EXPECT_GE(visible, covered.Total() / 3);
 }
 
 }  // namespace

@@ -70,7 +70,7 @@ void ExpectSmoothMotion(double x, double y, double dx, double dy) {
     const host::CallReport report =
         plugin.Library().Call("DrawPictureFZVQ", canvas, {pictures.source, left, top, 1.0, 0});
     EXPECT_TRUE(Flag(report));
-    const Image drawn = support::ImageOf(*canvas);
+    Image drawn = support::ImageOf(*canvas);
     plugin.Host().Release(canvas);
     return drawn;
   };

@@ -38,7 +38,7 @@ class InnerCalls {
 
   host::CallReport Call(const char* method, host::Picture* receiver,
                         const std::vector<host::Value>& arguments) {
-    const host::CallReport report = plugin_.Library().Call(method, receiver, arguments);
+    host::CallReport report = plugin_.Library().Call(method, receiver, arguments);
     EXPECT_EQ(support::Complaints(report), "") << method;
     return report;
   }

@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
+#include "tests/support/sanitizers.h"
+
 // The statement ends the process by an access fault; a sanitizer reports it in its own way.
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(VARNELL_ADDRESS_SANITIZER)
 #define EXPECT_FAULT(statement) EXPECT_DEATH(statement, "AddressSanitizer")
 #else
 #define EXPECT_FAULT(statement) EXPECT_EXIT(statement, testing::KilledBySignal(SIGSEGV), "")

@@ -6,6 +6,7 @@
 
 #include "tests/plugin/elf_symbols.h"
 #include "tests/support/plugin_under_test.h"
+#include "tests/support/sanitizers.h"
 
 namespace {
 
@@ -78,7 +79,7 @@ bool IsRuntime(const std::string& name) {
     "_ZTISt",
     "_ZTSSt",
     "_ZTVN10__cxxabiv1",
-    "_ZTI",
+    "_ZTISt",
     "_Znw",
     "_Zna",
     "_Zdl",
@@ -87,11 +88,12 @@ bool IsRuntime(const std::string& name) {
     "__gxx_personality_",
     "__dynamic_cast",
     "_Unwind_",
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(VARNELL_ADDRESS_SANITIZER)
     "__asan_",
     "__ubsan_",
     "__sanitizer_",
     "__lsan_",
+    "__sancov_",
 #endif
   };
   return std::any_of(std::begin(prefixes), std::end(prefixes),

@@ -1,7 +1,9 @@
 // Registration hands memory over for good, and leaves behind what it made when it fails half-way.
 #pragma once
 
-#if defined(__SANITIZE_ADDRESS__)
+#include "tests/support/sanitizers.h"
+
+#if defined(VARNELL_ADDRESS_SANITIZER)
 #include <sanitizer/lsan_interface.h>
 #endif
 
@@ -11,12 +13,12 @@ namespace plugin_test {
 class DeliberateLeftovers {
  public:
   DeliberateLeftovers() {
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(VARNELL_ADDRESS_SANITIZER)
     __lsan_disable();
 #endif
   }
   ~DeliberateLeftovers() {
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(VARNELL_ADDRESS_SANITIZER)
     __lsan_enable();
 #endif
   }

@@ -142,7 +142,7 @@ TEST(ContributionLists, AListBeyondTheSizeRuleIsNotRequested) {
 
 TEST(ContributionLists, AStretchThatIsNoNumberOfPixelsGivesAnEmptyList) {
   // 8 / (1 / 2^30): 2^33 pixels on either side fit no 32-bit number.
-  for (const Axis axis : {Axis::kAlongRows, Axis::kAlongColumns}) {
+  for (const Axis axis : {Axis::kAlongRows, Axis::kDownColumns}) {
     ContributionLists lists;
     ASSERT_TRUE(lists.Resize(1));
     const support::AllocationWatch watch;

@@ -3,21 +3,20 @@
 // covered and fails on a gap.
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "tests/oracles/scale_method.h"
-#include "tests/support/coverage.h"
+#include "tests/support/differential.h"
 #include "tests/support/pictures.h"
-#include "tests/support/plugin_under_test.h"
-#include "tests/support/random.h"
 
 namespace {
 
-using host::ApplicationKind;
 using oracle::Branch;
 using oracle::Image;
+using support::FormatPair;
 using support::Random;
 
 constexpr int kCasesPerCell = 16;
@@ -32,10 +31,7 @@ const std::map<Request, std::string> kRequestNames = {{Request::kSame, "same"},
                                                       {Request::kMixed, "mixed"}};
 
 struct Cell {
-  ApplicationKind kind;
-  bool alpha;
-  int sourceFormat;
-  int resultFormat;
+  FormatPair formats;
   Request request;
 };
 
@@ -47,8 +43,8 @@ oracle::ScaleRequest MakeRequest(Random& random, const Cell& cell, const Image& 
   oracle::ScaleRequest request;
   request.width = source.width;
   request.height = source.height;
-  request.hasAlpha = cell.alpha;
-  request.resultFormat = cell.resultFormat;
+  request.hasAlpha = cell.formats.alpha;
+  request.resultFormat = cell.formats.result;
   request.antiAlias = random.Coin();
   switch (cell.request) {
     case Request::kSame:
@@ -80,12 +76,9 @@ std::string RunCase(support::LoadedPlugin& plugin, Random& random, const Cell& c
   const bool needsTwo = cell.request == Request::kShrink || cell.request == Request::kMixed;
   const int least = needsTwo ? 2 : 1;
   const Image image = random.Noise(random.Between(least, kLargestSide),
-                                   random.Between(least, kLargestSide), cell.sourceFormat);
+                                   random.Between(least, kLargestSide), cell.formats.source);
   const oracle::ScaleRequest request = MakeRequest(random, cell, image);
-  host::PictureSpec spec;
-  spec.rowPadding = 4 * random.Between(0, 5);
-  spec.guard = random.AnyGuard();
-  spec.hasAlphaChannel = cell.alpha;
+  const host::PictureSpec spec = support::AnyMemory(random, cell.formats.alpha);
   host::Picture* source = support::PictureOf(plugin.Host(), image, spec);
   const auto expected = oracle::ScaleMethod(image, request);
   const host::CallReport report = plugin.Library().Call(
@@ -110,56 +103,35 @@ std::string RunCase(support::LoadedPlugin& plugin, Random& random, const Cell& c
   return problem;
 }
 
-std::vector<Cell> AllCells() {
-  std::vector<Cell> cells;
-  for (const auto& [kind, kindName] : support::KindNames()) {
-    const bool buffers = kind == ApplicationKind::kWeb || kind == ApplicationKind::kConsole;
-    for (const bool alpha : {false, true}) {
-      std::vector<int> formats = {8};
-      if (!buffers) formats = alpha ? std::vector<int>{1, 2} : std::vector<int>{1, 2, 3, 4, 5, 6};
-      for (int source : formats) {
-        for (int result : formats) {
-          for (const auto& [request, requestName] : kRequestNames) {
-            cells.push_back({kind, alpha, source, result, request});
-          }
-        }
-      }
-    }
-  }
-  return cells;
-}
-
-std::string RowName(const Cell& cell) {
-  return support::KindNames().at(cell.kind) + (cell.alpha ? " alpha " : " opaque ") +
-         std::to_string(cell.sourceFormat) + " -> " + std::to_string(cell.resultFormat);
-}
-
-std::vector<std::string> RequestNames() {
-  std::vector<std::string> names;
-  for (const auto& [request, name] : kRequestNames) names.push_back(name);
-  return names;
+host::RuntimeOptions Options(Random& random, const Cell& cell) {
+  host::RuntimeOptions options;
+  options.kind = cell.formats.kind;
+  options.newPixelFormat = cell.formats.result;
+  options.alphaPixelFormat = cell.formats.result;
+  options.newRowPadding = 4 * random.Between(0, 3);
+  options.newGuard = random.AnyGuard();
+  return options;
 }
 
 TEST(ScaleZVQ, MatchesTheOracleForEveryKindFormatAndBranch) {
-  support::Coverage covered(RequestNames());
-  std::uint32_t seed = 20130400;
-  for (const Cell& cell : AllCells()) {
-    Random random(++seed);
-    host::RuntimeOptions options;
-    options.kind = cell.kind;
-    options.newPixelFormat = cell.resultFormat;
-    options.alphaPixelFormat = cell.resultFormat;
-    options.newRowPadding = 4 * random.Between(0, 3);
-    options.newGuard = random.AnyGuard();
-    support::LoadedPlugin plugin(options);
-    for (int k = 0; k < kCasesPerCell; ++k) {
-      ASSERT_EQ(RunCase(plugin, random, cell), "")
-          << RowName(cell) << ", " << kRequestNames.at(cell.request) << ", seed " << seed
-          << ", case " << k;
-      covered.Count(RowName(cell), kRequestNames.at(cell.request));
+  std::vector<std::string> columns;
+  for (const auto& [request, name] : kRequestNames) columns.push_back(name);
+  std::vector<support::DifferentialCell> cells;
+  for (const FormatPair& formats : support::AllFormatPairs(true)) {
+    for (const auto& [request, name] : kRequestNames) {
+      const Cell cell = {formats, request};
+      cells.push_back(
+          {.row = formats.Name(),
+           .column = name,
+           .cases = kCasesPerCell,
+           .options = [=](Random& random) { return Options(random, cell); },
+           .run = [=](auto& plugin, Random& random) { return RunCase(plugin, random, cell); }});
     }
   }
+  support::Coverage covered(columns);
+  ASSERT_EQ(support::RunCells(cells, 20130400, covered), "");
   covered.Print("kind, source -> result");
+  std::printf("%d cases, none differing\n", covered.Total());
   EXPECT_EQ(covered.Rows(), 2U * (36 + 4) + 2U * 2) << "a row of the table is missing";
   EXPECT_EQ(covered.Gaps(kCasesPerCell), std::vector<std::string>());
 }

@@ -2,15 +2,9 @@
 
 #include <dlfcn.h>
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define UNDER_ADDRESS_SANITIZER
-#endif
-#elif defined(__SANITIZE_ADDRESS__)
-#define UNDER_ADDRESS_SANITIZER
-#endif
+#include "tests/support/sanitizers.h"
 
-#if defined(UNDER_ADDRESS_SANITIZER)
+#if defined(VARNELL_ADDRESS_SANITIZER)
 extern "C" void* __interceptor_calloc(std::size_t count, std::size_t size);
 extern "C" void __interceptor_free(void* block);
 #endif
@@ -20,7 +14,7 @@ namespace {
 using CallocFunction = void*(std::size_t, std::size_t);
 using FreeFunction = void(void*);
 
-#if defined(UNDER_ADDRESS_SANITIZER)
+#if defined(VARNELL_ADDRESS_SANITIZER)
 CallocFunction* UnderlyingCalloc() { return __interceptor_calloc; }
 FreeFunction* UnderlyingFree() { return __interceptor_free; }
 #else

@@ -21,6 +21,8 @@ class AllocationWatch {
   // Blocks allocated while this watch lived and not freed since.
   int LiveBlocks() const;
   std::vector<std::size_t> Sizes() const;  // bytes of each call, failed ones included
+  // The most bytes in blocks that were allocated at one time while this watch lived.
+  std::size_t MostBytes() const;
 };
 
 }  // namespace support

@@ -224,8 +224,8 @@ class Setup(SmallProject):
     def path_without(self, *missing):
         folder = self.root / "bin"
         folder.mkdir()
-        for name in ("bash basename cat clang++ cmake dirname env g++ git head id ld as ninja mktemp "
-                     "python3 rm sed sort uname").split():  # fmt: skip
+        for name in ("as bash basename cat clang++ clang-format clang-tidy cmake cppcheck dirname env "
+                     "g++ git head id ld mktemp ninja python3 rm sed sort uname valgrind").split():  # fmt: skip
             if name not in missing:
                 (folder / name).symlink_to(shutil.which(name))
         return folder

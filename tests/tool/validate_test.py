@@ -8,7 +8,7 @@ from harness import PicturehostTest, TRIAL_PLUGIN, main
 FAULTY_PLUGIN = os.environ["FAULTY_PLUGIN"]
 REAL_PLUGIN = os.environ["VALIDATE_REAL_PLUGIN"]
 
-# The faults of faulty_plugin.cpp, and checks that must fail for each.
+# The faults in the tables of faulty/, and checks that must fail for each.
 FAULTS = {
     "registers-twice": ["registers-once"],
     "dropped-method": [
