@@ -3,12 +3,14 @@
 #include <cstring>
 
 #include "pixels/description_lock.h"
+#include "pixels/row_table.h"
 #include "plugin/held_object.h"
 #include "plugin/host_state.h"
 
 namespace {
 
-// Copies every row; false when the two are not 32-bit buffers of one size.
+// Copies every row; false, with nothing copied, when the two are not whole 32-bit buffers of one
+// size.
 bool CopyRows(const REALpictureDescription& dst, const REALpictureDescription& src) {
   if (dst.type != kDescriptionHostBuffer || src.type != kDescriptionHostBuffer) return false;
   const auto* to = static_cast<const REALhostBuffer*>(dst.handle);
@@ -18,7 +20,7 @@ bool CopyRows(const REALpictureDescription& dst, const REALpictureDescription& s
   if (to->rowTable == nullptr || from->rowTable == nullptr) return false;
   const auto width = static_cast<std::int32_t>(from->width);
   const auto height = static_cast<std::int32_t>(from->height);
-  if (width < 0) return false;
+  if (width < 0 || !HasRows(to->rowTable, height) || !HasRows(from->rowTable, height)) return false;
   const std::size_t rowBytes = static_cast<std::size_t>(width) * 4;
   for (std::int32_t row = 0; row < height; ++row) {
     std::memmove(to->rowTable[row], from->rowTable[row], rowBytes);

@@ -5,6 +5,7 @@
 
 #include "pixels/description_lock.h"
 #include "pixels/picture_copy.h"
+#include "pixels/row_table.h"
 #include "platform/bitmap_context.h"
 #include "plugin/application_kind.h"
 #include "plugin/held_object.h"
@@ -139,7 +140,7 @@ bool PictureEditor::LockHostBuffer(REALpicture pic) {
   const std::size_t bufferWidth = static_cast<std::size_t>(description.width);
   const std::size_t bufferHeight = static_cast<std::size_t>(description.height);
   if (!IsAddressable(bufferWidth, bufferHeight, bufferWidth * kBytesPerPixel) ||
-      buffer.rowTable[0] == nullptr) {
+      !HasRows(buffer.rowTable, description.height)) {
     return false;
   }
   if (!Hold(pic)) return false;
