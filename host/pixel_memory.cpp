@@ -89,8 +89,10 @@ PixelMemory& PixelMemory::operator=(PixelMemory&& other) noexcept {
 void PixelMemory::MakeInaccessible() {
   if (mapping_ == nullptr || reservation_ != 0) return;
   // A fresh mapping over the old one gives the pages back to the system as well.
-  mmap(mapping_, mappingSize_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_FIXED,
-       -1, 0);
+  if (mmap(mapping_, mappingSize_, PROT_NONE,
+           MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_FIXED, -1, 0) == MAP_FAILED) {
+    throw std::bad_alloc();
+  }
   reservation_ = Reservations::Instance().Add(mapping_, mappingSize_);
 }
 

@@ -27,6 +27,7 @@ class PixelMemory {
 
   // Every later access faults; the addresses are not given out again while this object lives. (In a
   // process that has made very much memory inaccessible, the oldest addresses are free again.)
+  // Throws std::bad_alloc when the system refuses.
   void MakeInaccessible();
 
  private:

@@ -115,7 +115,7 @@ const RegisteredMethod* PluginLibrary::Find(const std::string& name) const {
 }
 
 CallReport PluginLibrary::Call(const std::string& name, Picture* receiver,
-                               std::vector<Value> arguments) {
+                               const std::vector<Value>& arguments) {
   const RegisteredMethod* found = Find(name);
   if (found == nullptr) throw std::invalid_argument("there is no method \"" + name + "\"");
   // A copy, because the method may lead to another registration.

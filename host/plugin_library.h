@@ -44,7 +44,7 @@ class PluginLibrary {
   //
   // A result picture carries one reference, which is the caller's to release. Bits of arguments
   // that the calling convention leaves open hold noise.
-  CallReport Call(const std::string& name, Picture* receiver, std::vector<Value> arguments);
+  CallReport Call(const std::string& name, Picture* receiver, const std::vector<Value>& arguments);
 
  private:
   Runtime& runtime_;

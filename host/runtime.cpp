@@ -13,8 +13,7 @@ Runtime* gCurrent = nullptr;
 
 }  // namespace
 
-Runtime::Runtime(RuntimeOptions options)
-    : options_(std::move(options)), reportedVersion_(options_.version) {
+Runtime::Runtime(RuntimeOptions options) : options_(options), reportedVersion_(options_.version) {
   if (gCurrent != nullptr) throw std::logic_error("there is a host runtime already");
   gCurrent = this;
 }

@@ -80,7 +80,8 @@ std::u32string DecodeUtf16(const std::string& bytes) {
     const bool isPair = i + 1 < units.size() && units[i] >= 0xD800 && units[i] < 0xDC00 &&
                         units[i + 1] >= 0xDC00 && units[i + 1] < 0xE000;
     if (isPair) {
-      text += 0x10000 + ((units[i] - 0xD800) << 10) + (units[i + 1] - 0xDC00);
+      text +=
+          static_cast<char32_t>(0x10000 + ((units[i] - 0xD800) << 10) + (units[i + 1] - 0xDC00));
       ++i;
     } else {
       text += IsSurrogate(units[i]) ? kReplacement : units[i];

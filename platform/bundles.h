@@ -25,6 +25,7 @@ inline constexpr std::uint32_t kFrameworksFolderType = 0x6672616D;  // 'fram'
 
 extern "C" {
 extern const CFAllocatorRef kCFAllocatorSystemDefault;
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the system names it so.
 extern int __CFConstantStringClassReference[];
 
 // 0 on success.

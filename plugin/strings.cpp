@@ -36,7 +36,7 @@ char16_t* AppendUtf16(std::uint32_t codePoint, char16_t* place) {
 REALstring BuildFromUtf32(const char* data, std::int32_t length, char16_t* units) {
   char16_t* end = units;
   for (std::int32_t i = 0; i + 4 <= length; i += 4) {
-    std::uint32_t codePoint;
+    std::uint32_t codePoint = 0;
     std::memcpy(&codePoint, data + i, sizeof(codePoint));
     end = AppendUtf16(codePoint, end);
   }

@@ -11,6 +11,7 @@ void* AllocateZeroed(std::uint64_t bytes) {
 char* CopyText(const char* text) {
   const std::size_t length = std::strlen(text);
   char* copy = static_cast<char*>(AllocateZeroed(std::uint64_t{length} + 1));
+  // NOLINTNEXTLINE(bugprone-not-null-terminated-result): the block is zero where the text ends.
   if (copy != nullptr) std::memcpy(copy, text, length);
   return copy;
 }

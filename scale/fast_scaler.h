@@ -11,6 +11,6 @@
 // rows that a destination row covers only the first is read, counted as often as there are rows.
 // Deliberate: the half is added once, not once per sample.
 //
-// Yields after every destination row and once more at the end, also after a failure. Allocates nothing
-// but the picture.
+// Yields after every destination row and once more at the end, also after a failure. Allocates
+// nothing but the picture.
 REALpictureStruct* ScalePictureFast(REALpictureStruct* src, int width, int height);

@@ -92,7 +92,7 @@ void OnePixelFillsAnySize(const CheckContext& context) {
   Bench bench(context);
   const Rgba colour = {200, 100, 50, 255};
   Picture* picture = bench.Plain(1, 1, colour);
-  const auto judge = [&](const std::string& method, std::vector<Value> arguments) {
+  const auto judge = [&](const std::string& method, const std::vector<Value>& arguments) {
     const Picture* result = bench.Made(method, picture, arguments, 17, 5);
     RequireColours(*result, "One pixel in " + CallText(method, arguments),
                    [&](int, int) { return colour; });

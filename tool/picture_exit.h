@@ -7,8 +7,8 @@
 namespace tool {
 
 // Straight colours. Opaque pictures are opaque whatever their unused byte holds; an alpha channel
-// is kept; a mask becomes alpha 255 - level (times the alpha channel, should there be one). Beyond a
-// mask that is smaller than its picture nothing is masked.
+// is kept; a mask becomes alpha 255 - level (times the alpha channel, should there be one). Beyond
+// a mask that is smaller than its picture nothing is masked.
 Bitmap LeaveHost(const host::Picture& picture);
 
 }  // namespace tool

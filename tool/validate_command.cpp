@@ -32,7 +32,6 @@ std::uint64_t ParseSeed(const std::string& text) {
   for (const char digit : text) {
     const bool fits = digit >= '0' && digit <= '9' &&
                       seed <= (UINT64_MAX - static_cast<std::uint64_t>(digit - '0')) / 10;
-    if (!fits) seed = 0;
     if (!fits) throw UsageError("'" + text + "' is no seed; it is a number of 0 to 2^64 - 1");
     seed = seed * 10 + static_cast<std::uint64_t>(digit - '0');
   }

@@ -74,7 +74,7 @@ TEST(PixelMemory, MovesWithItsContents) {
   unsigned char* const at = first.Data();
   PixelMemory second(std::move(first));
   EXPECT_EQ(second.Data(), at);
-  EXPECT_EQ(first.Data(), nullptr);
+  EXPECT_EQ(first.Data(), nullptr);  // NOLINT(bugprone-use-after-move): what a move leaves behind.
   PixelMemory third(32, Guard::kNone);
   third = std::move(second);
   EXPECT_EQ(third.Data()[3], 9);

@@ -50,8 +50,8 @@ TEST(PluginLibrary, PassesArgumentsAndDefaultsOnEveryPath) {
     PluginLibrary library(runtime, TrialPath(name));
     EXPECT_EQ(runtime.Registered().problems, Sentences()) << name;
     Picture* picture = runtime.NewPicture({});
-    const auto sum = [&](Picture* receiver, std::vector<Value> arguments) {
-      return std::get<double>(library.Call("Sum", receiver, std::move(arguments)).result);
+    const auto sum = [&](Picture* receiver, const std::vector<Value>& arguments) {
+      return std::get<double>(library.Call("Sum", receiver, arguments).result);
     };
     EXPECT_EQ(sum(picture, {-3, 0.5}), 1102.75) << name;
     EXPECT_EQ(sum(picture, {-3, 0.5, false}), 1002.75) << name;

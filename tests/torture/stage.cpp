@@ -156,8 +156,8 @@ Outcome Stage::Run(const Fault& fault, bool listCalls) {
   Outcome outcome;
   if (plugin_.Library().Find(NameOf(scenario_.variant.method)) == nullptr) return outcome;
   host::Runtime& runtime = Host();
-  // A reference that a host does not count without a word would leave the plug-in with pictures that are gone.
-  // Such a host keeps them here.
+  // A reference that a host does not count without a word would leave the plug-in with pictures
+  // that are gone. Such a host keeps them here.
   const bool keeps = fault.failingEntry == "REALLockObject" || fault.uncounted;
   if (keeps) Restore(true);
   const Pictures& pictures = FreshPictures();
