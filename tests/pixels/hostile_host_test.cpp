@@ -214,7 +214,8 @@ TEST(HostilePicture, TheGuardsOfTheseTestsFaultOnePixelOutside) {
     ASSERT_EQ(reader.GetPictureEditor(HandleOf(picture), 1, 0), 1);
     reader.GoToRow(1);
     volatile const std::uint32_t* pixels = reader.cursor;
-    EXPECT_DEATH(static_cast<void>(pixels[3]), "");
+    // A checker that translates the program drops a read whose value nobody uses.
+    EXPECT_DEATH(EXPECT_EQ(pixels[3], 0U), "");
   }
 }
 
