@@ -29,7 +29,7 @@ class PicturehostTest(unittest.TestCase):
             stdin=subprocess.DEVNULL,
             capture_output=True,
             text=True,
-            timeout=60,
+            timeout=110,
             **options,
         )
 
