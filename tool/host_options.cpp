@@ -49,18 +49,14 @@ host::RuntimeOptions HostOptions::Runtime() const {
 
 AlphaEntry HostOptions::Alpha() const { return kAlphas.at(alpha); }
 
-std::string HostOptions::Plugin() const {
+PluginFile HostOptions::Plugin() const {
   namespace fs = std::filesystem;
   std::error_code error;
-  if (!plugin.empty()) {
-    if (!fs::is_regular_file(plugin, error)) throw UsageError("no plug-in at '" + plugin + "'");
-    // A name without a slash would be searched for in the system's folders.
-    return fs::absolute(plugin).string();
-  }
+  if (!plugin.empty()) return PluginFile(plugin);
   const fs::path folder = fs::read_symlink("/proc/self/exe", error).parent_path();
   for (const fs::path& candidate :
        {folder / "Varnell.so", (folder / "../lib/varnell/Varnell.so").lexically_normal()}) {
-    if (fs::is_regular_file(candidate, error)) return candidate.string();
+    if (fs::is_regular_file(candidate, error)) return PluginFile(candidate.string());
   }
   throw UsageError("no plug-in beside " + (folder / "picturehost").string() +
                    "; name one with --plugin");
@@ -74,7 +70,10 @@ void HostOptions::Follow(host::Runtime& runtime) const {
 }
 
 void AddHostOptions(CLI::App& command, HostOptions& options) {
-  command.add_option("--plugin", options.plugin, "The plug-in (default: the one beside this tool)")
+  command
+      .add_option("--plugin", options.plugin,
+                  "The plug-in: a library, or a package or its folder (default: the one beside "
+                  "this tool)")
       ->type_name("PATH");
   command.add_option("--host-version", options.version, "The version the host reports")
       ->type_name("NUMBER")

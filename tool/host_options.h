@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/runtime.h"
+#include "tool/plugin_file.h"
 
 namespace CLI {
 class App;
@@ -29,8 +30,8 @@ struct HostOptions {
 
   host::RuntimeOptions Runtime() const;
   AlphaEntry Alpha() const;
-  // The path of the plug-in to load. Throws UsageError when there is none.
-  std::string Plugin() const;
+  // The plug-in to load. Throws UsageError when there is none.
+  PluginFile Plugin() const;
   // Writes each host call to standard error as it happens, when that was asked for.
   void Follow(host::Runtime& runtime) const;
 };

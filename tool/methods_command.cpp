@@ -14,14 +14,14 @@ namespace {
 int ListMethods(const HostOptions& options) {
   host::Runtime runtime(options.Runtime());
   options.Follow(runtime);
-  const std::string path = options.Plugin();
-  const host::PluginLibrary plugin(runtime, path);
+  const PluginFile file = options.Plugin();
+  const auto plugin = file.Load(runtime);
   const host::Registration& registered = runtime.Registered();
   if (registered.path == host::Registration::Path::kNone) {
     throw Failure("the plug-in registered nothing");
   }
   const bool asModule = registered.path == host::Registration::Path::kModule;
-  std::printf("plug-in: %s\n", path.c_str());
+  std::printf("plug-in: %s\n", file.Shown().c_str());
   std::printf("announced version: %d\n", registered.announcedVersion);
   std::printf("registered as: %s\n", asModule ? "module" : "class extension");
   std::printf("%s: %s\n", asModule ? "module" : "class", registered.name.c_str());

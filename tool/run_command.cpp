@@ -110,8 +110,9 @@ int Run(const RunOptions& options) {
   CheckOutput(options.output);
   host::Runtime runtime(options.host.Runtime());
   options.host.Follow(runtime);
-  host::PluginLibrary plugin(runtime, options.host.Plugin());
-  const host::RegisteredMethod* method = plugin.Find(options.method);
+  const PluginFile file = options.host.Plugin();
+  const auto plugin = file.Load(runtime);
+  const host::RegisteredMethod* method = plugin->Find(options.method);
   if (method == nullptr) {
     throw UsageError("the plug-in has no method '" + options.method +
                      "'; picturehost methods lists what it has");
@@ -130,7 +131,7 @@ int Run(const RunOptions& options) {
     progress.emplace(runtime, declaration.name);
   }
   const host::CallReport report =
-      plugin.Call(declaration.name, receiver, LoadArguments(runtime, arguments, options));
+      plugin->Call(declaration.name, receiver, LoadArguments(runtime, arguments, options));
   progress.reset();
 
   const bool wrong = ComplainAbout(report, runtime, call);

@@ -140,12 +140,13 @@ int Validate(const ValidateOptions& options) {
     List(checks, options.json);
     return kExitOk;
   }
-  const CheckContext context = {options.host.Plugin(), seed};
+  const PluginFile file = options.host.Plugin();
+  const CheckContext context = {file.Path(), seed};
   // A plug-in that crashes when it starts can be loaded: its checks fail.
   const Check loads = {"loads", "", Load};
   const CheckOutcome loaded = RunCheck(loads, context);
   if (!loaded.passed && loaded.message.find(context.plugin) != std::string::npos) {
-    throw UsageError(loaded.message);
+    throw UsageError(file.ForPeople(loaded.message));
   }
   std::vector<Line> lines;
   std::size_t failed = 0;
@@ -156,7 +157,7 @@ int Validate(const ValidateOptions& options) {
     if (!options.json && !(options.onlyFailed && passed)) PrintLine(lines.back(), seed);
   }
   if (options.json) {
-    PrintJson(context.plugin, seed, lines, failed, options.onlyFailed);
+    PrintJson(file.Shown(), seed, lines, failed, options.onlyFailed);
   } else {
     std::printf("%zu checks, %zu failed, seed %llu\n", lines.size(), failed,
                 static_cast<unsigned long long>(seed));
