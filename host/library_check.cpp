@@ -1,4 +1,4 @@
-// Looks at the first bytes of an ELF file.
+// Looks at the first bytes of a file.
 #include "host/library_check.h"
 
 #include <elf.h>
@@ -6,6 +6,8 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+
+#include "host/macho_file.h"
 
 namespace host {
 
@@ -17,6 +19,8 @@ std::string WhyNotLoadable(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) return path + ": cannot be read";
   file.read(reinterpret_cast<char*>(header), sizeof header);
+  const auto count = static_cast<std::size_t>(file.gcount());
+  if (count >= 4 && LooksLikeMacho(ByteView(header, count, "first bytes"))) return "";
   if (file.gcount() < static_cast<std::streamsize>(sizeof header) ||
       std::memcmp(header, ELFMAG, SELFMAG) != 0) {
     return path + ": not a shared library";
@@ -30,6 +34,13 @@ std::string WhyNotLoadable(const std::string& path) {
   std::uint16_t type = 0;  // at the same place in both word sizes
   std::memcpy(&type, header + offsetof(Elf32_Ehdr, e_type), sizeof type);
   return type == ET_DYN ? "" : path + ": not a shared library";
+}
+
+bool IsMachoFile(const std::string& path) {
+  std::uint8_t start[4] = {};
+  std::ifstream file(path, std::ios::binary);
+  return file.read(reinterpret_cast<char*>(start), sizeof start) &&
+         LooksLikeMacho(ByteView(start, sizeof start, "first bytes"));
 }
 
 }  // namespace host

@@ -1,30 +1,17 @@
 // Loading, calling, unloading.
 #include "host/plugin_library.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
-#include <filesystem>
 #include <stdexcept>
 #include <utility>
 
 #include "host/call_arguments.h"
-#include "host/library_check.h"
 
 namespace host {
 
 namespace {
 
 constexpr char kExport[] = "REALPluginMain";
-
-// The loader's message, on one line.
-std::runtime_error LoaderError(const std::string& path) {
-  const char* said = dlerror();
-  std::string message = said == nullptr ? "cannot be loaded" : said;
-  std::replace(message.begin(), message.end(), '\n', ' ');
-  const bool namesPath = message.find(path) != std::string::npos;
-  return std::runtime_error(namesPath ? message : path + ": " + message);
-}
 
 // Marks the method that runs, also while an exception passes.
 class RunningMethod {
@@ -83,29 +70,14 @@ Picture* CallReport::ResultPicture() const {
   return picture == nullptr ? nullptr : *picture;
 }
 
-PluginLibrary::PluginLibrary(Runtime& runtime, const std::string& path) : runtime_(runtime) {
-  const std::string why = WhyNotLoadable(path);
-  if (!why.empty()) throw std::runtime_error(why);
-  // A bare file name would be looked for in the system's folders.
-  const std::string absolute = std::filesystem::absolute(path).string();
-  handle_ = dlopen(absolute.c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (handle_ == nullptr) throw LoaderError(path);
-  void* start = dlsym(handle_, kExport);
-  if (start == nullptr) {
-    dlclose(handle_);
-    throw std::runtime_error(path + ": does not export " + kExport);
-  }
+PluginLibrary::PluginLibrary(Runtime& runtime, const std::string& path)
+    : runtime_(runtime), file_(LoadFile(path)) {
+  void* start = file_->Find(kExport);
+  if (start == nullptr) throw std::runtime_error(path + ": does not export " + kExport);
   runtime_.Registered() = Registration();
-  try {
-    const RunningMethod running(runtime_, kExport);
-    reinterpret_cast<void (*)(REALresolver)>(start)(Runtime::Resolve);
-  } catch (...) {
-    dlclose(handle_);
-    throw;
-  }
+  const RunningMethod running(runtime_, kExport);
+  reinterpret_cast<void (*)(REALresolver)>(start)(Runtime::Resolve);
 }
-
-PluginLibrary::~PluginLibrary() { dlclose(handle_); }
 
 const RegisteredMethod* PluginLibrary::Find(const std::string& name) const {
   for (const RegisteredMethod& method : runtime_.Registered().methods) {

@@ -2,11 +2,13 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
+#include "host/loaded_file.h"
 #include "host/native_call.h"
 #include "host/runtime.h"
 
@@ -30,9 +32,12 @@ class PluginLibrary {
   // runtime.Registered(), in place of an earlier one. Throws std::runtime_error with one clear
   // line. What a host entry throws meanwhile passes out unchanged, and the library is unloaded.
   PluginLibrary(Runtime& runtime, const std::string& path);
-  ~PluginLibrary();  // unloads; process-wide variables of the plug-in start anew at the next load
+  // Unloads; process-wide variables of the plug-in start anew at the next load.
+  ~PluginLibrary() = default;
   PluginLibrary(const PluginLibrary&) = delete;
   PluginLibrary& operator=(const PluginLibrary&) = delete;
+
+  const LoadedFile& File() const { return *file_; }
 
   // By name in any case; null when not registered.
   const RegisteredMethod* Find(const std::string& name) const;
@@ -48,7 +53,7 @@ class PluginLibrary {
 
  private:
   Runtime& runtime_;
-  void* handle_ = nullptr;
+  std::shared_ptr<LoadedFile> file_;
 };
 
 }  // namespace host

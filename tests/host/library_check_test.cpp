@@ -52,6 +52,17 @@ TEST_F(LibraryCheck, ALibraryOfTheOtherWordSizeIsToldAsSuch) {
                                                    std::to_string(kOwnBits) + "-bit");
 }
 
+TEST_F(LibraryCheck, AMacFileIsLeftToItsLoader) {
+  for (const char* start : {"\xCE\xFA\xED\xFE", "\xCF\xFA\xED\xFE", "\xCA\xFE\xBA\xBE"}) {
+    EXPECT_EQ(Check(start), "");
+    EXPECT_TRUE(IsMachoFile(path_));
+  }
+  EXPECT_EQ(Check("\xCE\xFA\xED"), "not a shared library");
+  EXPECT_FALSE(IsMachoFile(path_));
+  EXPECT_EQ(Check(Header(kOwnBits, ET_DYN)), "");
+  EXPECT_FALSE(IsMachoFile(path_));
+}
+
 TEST_F(LibraryCheck, NothingSpeaksAgainstALibraryOfTheOwnWordSize) {
   EXPECT_EQ(Check(Header(kOwnBits, ET_DYN)), "");
 }

@@ -57,7 +57,8 @@ void ExpectFate(Fate fate, bool alpha, int alphaInfo, int bitsPerPixel, bool wri
   };
   {
     PictureEditor editor;
-    const bool locked = editor.GetPictureEditor(HandleOf(picture), !writable, writable) != 0;
+    const bool locked =
+        editor.GetPictureEditor(HandleOf(picture), writable ? 0 : 1, writable ? 1 : 0) != 0;
     EXPECT_EQ(locked, fate == Fate::kAccepted);
     EXPECT_EQ(editor.descriptionLocked, locked);
     EXPECT_EQ(editor.picture, locked ? HandleOf(picture) : nullptr);

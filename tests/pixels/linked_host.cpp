@@ -30,7 +30,7 @@ LinkedHost::LinkedHost(host::RuntimeOptions options) : runtime(options) {
 
 LinkedHost::~LinkedHost() { support::ResetLinkedPlugin(); }
 
-void LinkedHost::KnowKind() {
+void LinkedHost::KnowKind() const {
   const host::ApplicationKind kind = runtime.Options().kind;
   IsDesktop = kind == host::ApplicationKind::kDesktop;
   IsConsole = kind == host::ApplicationKind::kConsole || kind == host::ApplicationKind::kWeb;

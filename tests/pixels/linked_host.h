@@ -29,7 +29,7 @@ class LinkedHost {
   host::Runtime runtime;
 
   // Tells the plug-in the kind beforehand, so that it does not ask.
-  void KnowKind();
+  void KnowKind() const;
 
   // A picture with one reference of the test's. What is held afterwards is what LeftOver compares
   // with.

@@ -12,11 +12,13 @@ namespace plugin_test {
 // What is allocated while it lives is not reported as leaked.
 class DeliberateLeftovers {
  public:
+  // NOLINTNEXTLINE(modernize-use-equals-default): with the sanitizer it is none.
   DeliberateLeftovers() {
 #if defined(VARNELL_ADDRESS_SANITIZER)
     __lsan_disable();
 #endif
   }
+  // NOLINTNEXTLINE(modernize-use-equals-default): with the sanitizer it is none.
   ~DeliberateLeftovers() {
 #if defined(VARNELL_ADDRESS_SANITIZER)
     __lsan_enable();

@@ -1,7 +1,5 @@
 #include "tests/plugin/plugin_file.h"
 
-#include <dlfcn.h>
-
 #include <stdexcept>
 
 #include "tests/plugin/leftovers.h"
@@ -42,26 +40,15 @@ void TakeClassExtension(REALclassDefinition* definition) {
 
 }  // namespace
 
-PluginFile::PluginFile() : handle_(dlopen(support::PluginPath().c_str(), RTLD_NOW | RTLD_LOCAL)) {
-  if (handle_ == nullptr) throw std::runtime_error(dlerror());
-}
-
-PluginFile::~PluginFile() { dlclose(handle_); }
+PluginFile::PluginFile() : file_(host::LoadFile(support::PluginPath())) {}
 
 void PluginFile::Start() {
   const DeliberateLeftovers leftovers;
-  void* start = dlsym(handle_, "REALPluginMain");
-  if (start == nullptr) throw std::runtime_error(dlerror());
+  void* start = file_->Find("REALPluginMain");
+  if (start == nullptr) throw std::runtime_error("REALPluginMain is not exported");
   const int before = plugin_test::ThreadIdentityCalls();
   reinterpret_cast<void (*)(REALresolver)>(start)(FakeHost::Resolve);
   threadIdentityCalls_ = plugin_test::ThreadIdentityCalls() - before;
-}
-
-bool PluginFile::Contains(std::uintptr_t address) const {
-  Dl_info start, found;
-  return dladdr(dlsym(handle_, "REALPluginMain"), &start) != 0 &&
-         dladdr(reinterpret_cast<void*>(address), &found) != 0 &&
-         start.dli_fbase == found.dli_fbase;
 }
 
 RegisteringHost::RegisteringHost(double version) {

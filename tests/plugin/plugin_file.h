@@ -2,9 +2,11 @@
 // stays to be looked at, word by word.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "host/loaded_file.h"
 #include "tests/plugin/fake_host.h"
 
 namespace plugin_test {
@@ -13,19 +15,16 @@ namespace plugin_test {
 class PluginFile {
  public:
   PluginFile();  // throws std::runtime_error
-  ~PluginFile();
-  PluginFile(const PluginFile&) = delete;
-  PluginFile& operator=(const PluginFile&) = delete;
 
   // Calls the export, as often as wanted. What it leaves behind counts as meant.
   void Start();
   // How often the last start asked for the thread's identity.
   int ThreadIdentityCalls() const { return threadIdentityCalls_; }
   // Whether an address lies within this file's code or data.
-  bool Contains(std::uintptr_t address) const;
+  bool Contains(std::uintptr_t address) const { return file_->Contains(address); }
 
  private:
-  void* handle_;
+  std::shared_ptr<host::LoadedFile> file_;
   int threadIdentityCalls_ = 0;
 };
 

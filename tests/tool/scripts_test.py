@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import tempfile
@@ -224,10 +225,10 @@ class Setup(SmallProject):
     def path_without(self, *missing):
         folder = self.root / "bin"
         folder.mkdir()
-        for name in ("as bash basename cat clang++ clang-format clang-tidy cmake cppcheck dirname env "
-                     "g++ git head id ld mktemp ninja python3 rm sed sort uname valgrind").split():  # fmt: skip
-            if name not in missing:
-                (folder / name).symlink_to(shutil.which(name))
+        needed = re.findall(r"^ *need_command (\S+)", (ROOT / "scripts/setup").read_text(), re.MULTILINE)
+        used = "as bash basename cat dirname env head id mktemp rm sed sort uname".split()
+        for name in set(needed + used) - set(missing):
+            (folder / name).symlink_to(shutil.which(name))
         return folder
 
     def replace(self, folder, name, script):

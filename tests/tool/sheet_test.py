@@ -47,7 +47,7 @@ class Sheet(PicturehostTest):
         self.assertEqual(self.pixels(), [[WHITE, (204, 204, 204), (9, 9, 9)]])
 
     def test_refuses_what_is_no_part(self):
-        for part in ("1,2,3", "a,b,c,d", "0,0,0,1", "0,0,1,1,1", "0,0,1,1x"):
+        for part in ("1,2,3", "a,b,c,d", "0,0,0,1", "0,0,1,1,1", "0,0,1,1x", "0,0,4294967297,1"):
             result = self.picturehost("sheet", "red.png", "--part", part, "-o", "out.png")
             self.assert_refused(result, 2, "LEFT,TOP,WIDTH,HEIGHT")
 

@@ -6,7 +6,7 @@ import os
 from harness import PicturehostTest, TRIAL_PLUGIN, main
 
 FAULTY_PLUGIN = os.environ["FAULTY_PLUGIN"]
-REAL_PLUGIN = os.environ["VALIDATE_REAL_PLUGIN"]
+REAL_PLUGIN = os.environ.get("VARNELL_PLUGIN") or os.environ["VALIDATE_REAL_PLUGIN"]
 
 # The faults in the tables of faulty/, and checks that must fail for each.
 FAULTS = {

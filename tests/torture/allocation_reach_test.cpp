@@ -49,7 +49,7 @@ TEST(AllocationFault, ChangesWhichScalerServes) {
 TEST(PluginImage, LetsACallFindNothingLookedUp) {
   support::LoadedPlugin plugin;
   host::Picture* receiver = plugin.Host().NewPicture({.width = 3, .height = 2});
-  const PluginImage image;
+  const PluginImage image(plugin.Library().File());
   const auto lines = [&] {
     plugin.Host().Calls().Clear();
     plugin.Library().Call("ScaleZVQ", receiver, {2, 2});

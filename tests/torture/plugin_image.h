@@ -5,13 +5,15 @@
 #include <cstdint>
 #include <vector>
 
+#include "host/loaded_file.h"
+
 namespace torture {
 
 class PluginImage {
  public:
-  // Keeps the variables of the plug-in under test, which must be loaded. Throws std::runtime_error
-  // when none is found.
-  PluginImage();
+  // Keeps the variables of a plug-in that stays loaded while this lives. Throws std::runtime_error
+  // when it has none.
+  explicit PluginImage(const host::LoadedFile& plugin);
   void Restore() const;
 
  private:

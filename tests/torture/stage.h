@@ -118,7 +118,7 @@ class Stage {
   Scenario scenario_;
   support::RushingClock clock_;
   support::LoadedPlugin plugin_;
-  PluginImage image_;
+  PluginImage image_{plugin_.Library().File()};
   Pictures pictures_;
   std::vector<oracle::Image> before_;  // receiver, source, mask, bystander
   std::size_t first_ = 0;              // objects before the stage's pictures

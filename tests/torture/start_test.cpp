@@ -2,8 +2,6 @@
 // second start afterwards.
 #include <gtest/gtest.h>
 
-#include <dlfcn.h>
-
 #include <sstream>
 
 #include "tests/plugin/leftovers.h"
@@ -41,18 +39,6 @@ struct Started {
   int allocations = 0;
   int blocks = 0;
   std::vector<std::string> calls;
-};
-
-// Keeps the file in memory, so that a second start finds what the first one left.
-class Pin {
- public:
-  Pin() : handle_(dlopen(support::PluginPath().c_str(), RTLD_NOW | RTLD_LOCAL)) {}
-  ~Pin() { dlclose(handle_); }
-  Pin(const Pin&) = delete;
-  Pin& operator=(const Pin&) = delete;
-
- private:
-  void* handle_;
 };
 
 Started Start(host::Runtime& runtime, const Fault& fault) {
@@ -184,7 +170,8 @@ class StartTorture {
     host::RuntimeOptions options;
     options.version = version_;
     host::Runtime runtime(options);
-    const Pin pin;
+    // Kept in memory, so that a second start finds what the first one left.
+    const auto pin = host::LoadFile(support::PluginPath());
     const Started first = Start(runtime, fault);
     EXPECT_EQ(first.thrown, expected.thrown);
     if (expected.registered) {
@@ -238,7 +225,8 @@ TEST(Torture, StartIsCountedAsItIs) {
     host::RuntimeOptions options;
     options.version = version;
     host::Runtime runtime(options);
-    const Pin pin;
+    // Kept in memory, so that a second start finds what the first one left.
+    const auto pin = host::LoadFile(support::PluginPath());
     const Started started = Start(runtime, {});
     EXPECT_EQ(started.allocations, WayFor(version).allocations) << version;
     EXPECT_EQ(started.calls.size(), 3u) << version;
