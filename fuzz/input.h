@@ -66,7 +66,7 @@ class Input {
 // Ends the run with a message when something is not as it must be.
 inline void Require(bool holds, const std::string& message) {
   if (holds) return;
-  static_cast<void>(std::fprintf(stderr, "%s\n", message.c_str()));
+  std::fprintf(stderr, "%s\n", message.c_str());
   std::abort();
 }
 

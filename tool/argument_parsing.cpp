@@ -101,9 +101,9 @@ int IndexOf(const std::vector<host::Parameter>& parameters, const std::string& n
 }
 
 bool IsName(const std::string& text) {
-  return !text.empty() && !std::isdigit(static_cast<unsigned char>(text[0])) &&
+  return !text.empty() && std::isdigit(static_cast<unsigned char>(text[0])) == 0 &&
          std::all_of(text.begin(), text.end(),
-                     [](unsigned char c) { return std::isalnum(c) || c == '_'; });
+                     [](unsigned char c) { return std::isalnum(c) != 0 || c == '_'; });
 }
 
 class Parser {

@@ -121,7 +121,7 @@ struct Cast {
   std::vector<std::uint32_t> Play(Bench& bench, std::int32_t period) const {
     const auto report = bench.Call(use.method, receiver, Bench::Arguments(use, second, period));
     Picture* result = report.ResultPicture();
-    const auto words = Words(result != nullptr ? *result : *receiver);
+    auto words = Words(result != nullptr ? *result : *receiver);
     if (result != nullptr) bench.Host().Release(result, "picturehost");
     return words;
   }

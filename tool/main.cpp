@@ -6,6 +6,7 @@
 #include "tool/command.h"
 #include "tool/exit_status.h"
 
+// NOLINTNEXTLINE(bugprone-exception-escape): what is thrown before the parsing is a mistake in it.
 int main(int argc, char** argv) {
   // A file that grows beyond its limit is a failed write, not the end of the program.
   std::signal(SIGXFSZ, SIG_IGN);

@@ -82,7 +82,7 @@ void OutputFile::Write(const std::vector<unsigned char>& bytes) const {
   const SignalsHeld held;
   const int file = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
   if (file < 0) Fail(std::strerror(errno));
-  if (replaces) (void)!::fchmod(file, old.st_mode & 07777);
+  if (replaces) static_cast<void>(::fchmod(file, old.st_mode & 07777) == 0);
   int error = WriteAndClose(file, bytes);
   if (error == 0 && ::rename(temporary.c_str(), target_.c_str()) != 0) error = errno;
   if (error != 0) {

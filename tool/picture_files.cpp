@@ -45,7 +45,7 @@ std::vector<unsigned char> ReadBytes(const std::string& path) {
     if (bytes.size() + count > std::size_t(INT_MAX)) throw UsageError(prefix + "it is too large");
     bytes.insert(bytes.end(), block, block + count);
   }
-  if (std::ferror(file.get())) throw UsageError(prefix + std::strerror(errno));
+  if (std::ferror(file.get()) != 0) throw UsageError(prefix + std::strerror(errno));
   return bytes;
 }
 
@@ -121,7 +121,7 @@ void SavePicture(const Bitmap& picture, const std::string& path) {
                                                    samples, pixels.data(), saved.width * samples)
                           : stbi_write_jpg_to_func(Append, &file, saved.width, saved.height,
                                                    samples, pixels.data(), kJpegQuality);
-  if (!written) throw Failure("cannot write '" + path + "': the picture could not be encoded");
+  if (written == 0) throw Failure("cannot write '" + path + "': the picture could not be encoded");
   OutputFile(path).Write(file);
 }
 

@@ -188,7 +188,8 @@ void PaintChart(Painter& paint) {
     x += 36;
   }
   for (int i = 0; i < 172; ++i) {
-    const double grey = i / 8 * 8 / 168.0, hue = i * 6 / 172.0;
+    const int step = i / 8 * 8;
+    const double grey = step / 168.0, hue = i * 6 / 172.0;
     paint.Fill(left + i, top + 64, 1, 12, {grey, grey, grey});
     const auto part = [hue](double at) {
       const double d = std::fabs(hue - at);

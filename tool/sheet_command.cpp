@@ -1,6 +1,6 @@
 // picturehost sheet: lays several pictures side by side, to compare them.
 #include <CLI/CLI.hpp>
-#include <cstdio>
+#include <charconv>
 #include <memory>
 
 #include "tool/command.h"
@@ -20,11 +20,16 @@ struct SheetOptions {
 
 Part ParsePart(const std::string& text) {
   Part part;
-  int end = 0;
-  const int read =
-      std::sscanf(text.c_str(), "%d,%d,%d,%d%n", &part.x, &part.y, &part.width, &part.height, &end);
-  if (read != 4 || text[static_cast<std::size_t>(end)] != '\0' || part.width < 1 ||
-      part.height < 1) {
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  bool fits = true;
+  for (int* number : {&part.x, &part.y, &part.width, &part.height}) {
+    if (number != &part.x) fits = fits && at != end && *at++ == ',';
+    const auto [after, error] = std::from_chars(at, end, *number);
+    fits = fits && error == std::errc();
+    at = after;
+  }
+  if (!fits || at != end || part.width < 1 || part.height < 1) {
     throw UsageError("'" + text + "' is no part; it is LEFT,TOP,WIDTH,HEIGHT in pixels");
   }
   return part;

@@ -58,8 +58,8 @@ class Unwinding(LinkingTest):
 
     def test_handlers_find_the_types_they_catch(self):
         text = """
-class Apple { public: virtual ~Apple(); };
-class Pear { public: virtual ~Pear(); };
+struct Apple { virtual ~Apple(); };
+struct Pear { virtual ~Pear(); };
 extern "C" void mayThrow(int);
 extern "C" __attribute__((visibility("default"))) int %s(int x) {
   try { mayThrow(x); } catch (const Apple&) { return 1; } catch (const Pear&) { return 2; }
