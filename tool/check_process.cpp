@@ -97,7 +97,7 @@ void NoteDoing(const std::string& what) {
 }
 
 CheckOutcome RunCheck(const Check& check, const CheckContext& context,
-                      std::chrono::milliseconds timeout) {
+                      std::chrono::seconds timeout) {
   if (gDoing == nullptr) {
     void* shared =
         mmap(nullptr, kDoingBytes, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
@@ -126,7 +126,7 @@ CheckOutcome RunCheck(const Check& check, const CheckContext& context,
   while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
   }
   if (!inTime) {
-    return {false, "It was not done after " + std::to_string(timeout.count() / 1000) + " seconds" +
+    return {false, "It was not done after " + std::to_string(timeout.count()) + " seconds" +
                        WhileDoing() + "."};
   }
   return Judge(status, said);

@@ -13,8 +13,6 @@ struct CheckOutcome {
   std::string message;  // one sentence; empty when passed
 };
 
-inline constexpr std::chrono::milliseconds kCheckTimeout{20000};
-
 // Notes what the running check is about to do, for the sentence that tells of its crash:
 // "ScaleZVQ(4, 3, false, 0)".
 void NoteDoing(const std::string& what);
@@ -23,6 +21,6 @@ void NoteDoing(const std::string& what);
 // longer than `timeout` is a failed check. What the plug-in writes to standard output goes to
 // standard error. Throws std::runtime_error when no child can be made.
 CheckOutcome RunCheck(const Check& check, const CheckContext& context,
-                      std::chrono::milliseconds timeout = kCheckTimeout);
+                      std::chrono::seconds timeout);
 
 }  // namespace tool

@@ -20,6 +20,7 @@ struct ValidateOptions {
   bool onlyFailed = false;
   bool json = false;
   std::string seed = "1";
+  int timeout = 20;  // seconds for each check
 };
 
 struct Line {
@@ -142,16 +143,17 @@ int Validate(const ValidateOptions& options) {
   }
   const PluginFile file = options.host.Plugin();
   const CheckContext context = {file.Path(), seed};
+  const std::chrono::seconds timeout(options.timeout);
   // A plug-in that crashes when it starts can be loaded: its checks fail.
   const Check loads = {"loads", "", Load};
-  const CheckOutcome loaded = RunCheck(loads, context);
+  const CheckOutcome loaded = RunCheck(loads, context, timeout);
   if (!loaded.passed && loaded.message.find(context.plugin) != std::string::npos) {
     throw UsageError(file.ForPeople(loaded.message));
   }
   std::vector<Line> lines;
   std::size_t failed = 0;
   for (const Check& check : checks) {
-    lines.push_back({check, RunCheck(check, context)});
+    lines.push_back({check, RunCheck(check, context, timeout)});
     const bool passed = lines.back().outcome.passed;
     failed += passed ? 0 : 1;
     if (!options.json && !(options.onlyFailed && passed)) PrintLine(lines.back(), seed);
@@ -180,6 +182,10 @@ void AddValidateCommand(CLI::App& app, Action& chosen) {
       ->type_name("NAME");
   command->add_flag("--only-failed", options->onlyFailed, "Leave out the checks that pass");
   command->add_flag("--json", options->json, "Print JSON");
+  command->add_option("--timeout", options->timeout, "How long each check may take")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(1, 3600))
+      ->capture_default_str();
   command->add_option("--seed", options->seed, "What random checks choose by")
       ->type_name("N")
       ->capture_default_str();
