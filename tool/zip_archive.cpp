@@ -63,6 +63,15 @@ std::uint32_t ChecksumOf(const std::vector<unsigned char>& bytes) {
   return ~crc;
 }
 
+void Inflate(std::string packed, std::vector<unsigned char>& contents) {
+  // The decoder takes its last symbol for cut off unless something follows, as it does in pictures.
+  packed.append(8, '\0');
+  const int size = stbi_zlib_decode_noheader_buffer(reinterpret_cast<char*>(contents.data()),
+                                                    static_cast<int>(contents.size()),
+                                                    packed.data(), static_cast<int>(packed.size()));
+  if (size < 0 || static_cast<std::size_t>(size) != contents.size()) Damaged();
+}
+
 }  // namespace
 
 ZipArchive::ZipArchive(std::vector<unsigned char> bytes) : bytes_(std::move(bytes)) {
@@ -93,18 +102,14 @@ std::vector<unsigned char> ZipArchive::Read(const ZipEntry& entry) const {
   if (at.At(entry.offset, 4) != 0x04034B50) Damaged();
   const std::size_t first =
       entry.offset + kLocalSize + at.At(entry.offset + 26, 2) + at.At(entry.offset + 28, 2);
-  at.Require(first, entry.packedSize);
   if (entry.size > kLargestEntry) throw std::runtime_error("an entry is too large");
   std::vector<unsigned char> contents(entry.size);
-  const unsigned char* packed = bytes_.data() + first;
+  const std::string packed = at.Text(first, entry.packedSize);
   if (entry.method == 0) {
     if (entry.packedSize != entry.size) Damaged();
-    std::copy_n(packed, entry.size, contents.begin());
+    std::copy_n(packed.begin(), entry.size, contents.begin());
   } else if (entry.method == 8) {
-    const int size = stbi_zlib_decode_noheader_buffer(
-        reinterpret_cast<char*>(contents.data()), static_cast<int>(entry.size),
-        reinterpret_cast<const char*>(packed), static_cast<int>(entry.packedSize));
-    if (size < 0 || static_cast<std::size_t>(size) != entry.size) Damaged();
+    Inflate(packed, contents);
   } else {
     throw std::runtime_error("an entry is packed in a way that is not known here");
   }

@@ -38,6 +38,14 @@ class OpensPackages(PicturehostTest):
             path = self.pack({"Trial/": b"", CARBON: b"no", COCOA: LIBRARY}, method)
             self.assert_opens(path, f"{path}/{COCOA}")
 
+    def test_deflated_data_may_end_with_any_bit(self):
+        # Read to its end, whichever bit of the last byte that is: then it is no library.
+        for size in range(1, 60):
+            contents = bytes((7 * i * i + i // 3) % 251 for i in range(size))
+            path = self.pack({COCOA: contents}, zipfile.ZIP_DEFLATED)
+            result = self.picturehost("methods", "--plugin", path)
+            self.assertIn("not a shared library", result.stderr)
+
     def test_the_other_kind_serves_where_there_is_no_first(self):
         path = self.pack({CARBON: LIBRARY}, comment=b"PK\5\6 is no end here")
         self.assert_opens(path, f"{path}/{CARBON}")
