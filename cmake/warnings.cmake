@@ -19,5 +19,9 @@ function(varnell_plugin_objects target)
     $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
   # The host's routines are called by words of the right size, whatever their types are at the host.
   target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:Clang>:-fno-sanitize=function>)
+  if(VARNELL_FUZZ)
+    # Counted, so that a fuzzer learns which of its inputs lead to something new.
+    target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
   varnell_warnings(${target} -Wconversion)
 endfunction()
