@@ -12,15 +12,16 @@ bool Blur(const PictureEditor& source, PictureEditor& result, std::int32_t radiu
           YieldData& yields) {
   BoxBlur blur(source, result, radius);
   if (!blur.Complete()) return false;
-  blur.FillTable();
   yields.YieldPoint();
-  blur.StartColumns();
+  blur.Start();
+  // Together, the passes still have a yield point for each row of either.
+  const bool together = blur.RowsLieApart();
   for (std::int32_t y = 0; y < source.height; ++y) {
-    blur.BlurColumnsInto(y);
+    together ? blur.BlurColumnsAndRow(y) : blur.BlurColumnsInto(y);
     yields.YieldPoint();
   }
   for (std::int32_t y = 0; y < source.height; ++y) {
-    blur.BlurRow(y);
+    if (!together) blur.BlurRow(y);
     yields.YieldPoint();
   }
   return true;

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "effects/blur_rows.h"
 #include "pixels/picture_editor.h"
 #include "plugin/zeroed_block.h"
 
@@ -17,26 +18,38 @@ class BoxBlur {
   // False when a block is missing: then nothing may be blurred.
   bool Complete() const;
 
-  void FillTable();
+  // Makes the sums those of row 0. Before that, fills the table if anything reads it.
+  void Start();
+
+  // Whether no row of the result, as many as the source has, lies on another one. Then both passes
+  // may go over the picture together.
+  bool RowsLieApart() const;
 
   // The vertical pass. Row y of the result becomes the truncated mean of source rows y - r .. y +
   // r, where rows beyond the border are the border's.
-  void StartColumns();
   void BlurColumnsInto(std::int32_t y);  // for all rows, in ascending order
 
   // The horizontal pass, in place in the result.
   // Deliberate: reads the row by the source's pixel layout and writes it by the result's.
   void BlurRow(std::int32_t y);
 
+  // Both passes of one row, without a way through the result's memory.
+  void BlurColumnsAndRow(std::int32_t y);  // for all rows, in ascending order
+
  private:
-  void AddRow(std::int32_t row, std::int32_t times);
-  std::uint32_t Word(std::int32_t r, std::int32_t g, std::int32_t b) const;
+  void BlurColumns(std::int32_t y, std::uint32_t* dst);
+  void BlurCopiedRow(std::int32_t y);
+  const std::uint32_t* SourceRow(std::int64_t y) const;
+  std::uint32_t* ResultRow(std::int32_t y) const;
 
   const PictureEditor& source_;
   PictureEditor& result_;
   std::int32_t radius_;
   std::int64_t box_;  // pixels a side
   ZeroedBlock<std::int32_t> quotients_;
-  ZeroedBlock<std::int32_t> red_, green_, blue_;
+  ZeroedBlock<std::uint32_t> first_, second_, third_;
   ZeroedBlock<std::uint32_t> row_;
+  ColumnSums sums_;
+  BlurRule rule_;
+  const BlurRows& rows_;
 };

@@ -34,11 +34,22 @@ std::string Listed(const std::string& name, std::initializer_list<std::string> a
   return line + ")";
 }
 
+EntryTimer::EntryTimer(Runtime& runtime) : time_(runtime.entryTime), measures_(time_.on) {
+  if (measures_ && time_.depth++ == 0) start_ = std::chrono::steady_clock::now();
+}
+
+EntryTimer::~EntryTimer() {
+  if (!measures_ || --time_.depth > 0) return;
+  const std::chrono::duration<double> lived = std::chrono::steady_clock::now() - start_;
+  time_.seconds += lived.count();
+}
+
 EntryScope::EntryScope(const char* entry, Kind kind, std::string line)
     : runtime_(Runtime::Current()),
       kind_(kind),
       line_(std::move(line)),
-      exceptions_(std::uncaught_exceptions()) {
+      exceptions_(std::uncaught_exceptions()),
+      timer_(runtime_) {
   const int number = Entries::CountCall(runtime_);
   taker_ = runtime_.Taker(entry);
   if (kind_ == Kind::kNoResult) runtime_.Calls().Add(line_);

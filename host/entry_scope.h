@@ -2,6 +2,7 @@
 // and the handles it was given are looked up.
 #pragma once
 
+#include <chrono>
 #include <initializer_list>
 #include <string>
 #include <type_traits>
@@ -48,6 +49,20 @@ std::string Shown(Pointee* handle) {
   return ShownHandle(handle);
 }
 std::string Listed(const std::string& name, std::initializer_list<std::string> arguments);
+
+// Adds the time that it lives to the runtime's, when that is measured and no other entry runs.
+class EntryTimer {
+ public:
+  explicit EntryTimer(Runtime& runtime);
+  ~EntryTimer();
+  EntryTimer(const EntryTimer&) = delete;
+  EntryTimer& operator=(const EntryTimer&) = delete;
+
+ private:
+  Runtime::EntryTime& time_;
+  bool measures_;
+  std::chrono::steady_clock::time_point start_;
+};
 
 // One running entry. Its trace line is added at once for an entry without a result (so that what it
 // calls comes after it), otherwise when the scope ends.
@@ -101,6 +116,7 @@ class EntryScope {
   std::string taker_;
   Verdict verdict_ = Verdict::kProceed;
   int exceptions_;
+  EntryTimer timer_;
 };
 
 }  // namespace host

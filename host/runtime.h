@@ -67,6 +67,14 @@ class Runtime {
   // exceptions; none that was removed.
   bool HasClass(const std::string& className) const;
 
+  // Time spent within entries; measured while `on`.
+  struct EntryTime {
+    bool on = false;
+    double seconds = 0;
+    int depth = 0;  // entries that are running
+  };
+  EntryTime entryTime;
+
   // Called before each entry does its work; may throw (the exception passes through the plug-in).
   std::function<Verdict(const EntryCall&)> intercept;
   // Called by "REALYieldToRB"; may call plug-in methods. Like the interceptor, it keeps its own

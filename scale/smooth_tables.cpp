@@ -71,3 +71,13 @@ void SmoothTables::PadWeights() {
   Pad(xWeights_.Data(), width_, entries_);
   Pad(yWeights_.Data(), height_, entries_);
 }
+
+void SmoothTables::SetColumnWeightsApart() {
+  float* here = rowBuffer_.Data();
+  float* next = xWeights_[0].entry;  // entry i is read before its place is written
+  for (std::int32_t i = 0; i < width_; ++i) {
+    const TapWeights weights = xWeights_[i];
+    here[i] = weights.entry[2];
+    next[i] = weights.entry[1];
+  }
+}

@@ -32,11 +32,21 @@ class SmoothTables {
   void FillRowWeights();
   void PadWeights();
 
+  // Sets the column weights that are not zero apart, as HereWeights and NextWeights. They take the
+  // place of ColumnWeights and of the row buffer, which must not be used any more.
+  void SetColumnWeightsApart();
+
   std::int32_t Column(std::int32_t i) const { return xIndex_[i]; }
   std::int32_t Row(std::int32_t j) const { return yIndex_[j]; }
   const TapWeights& ColumnWeights(std::int32_t i) const { return xWeights_[i]; }
   const TapWeights& RowWeights(std::int32_t j) const { return yWeights_[j]; }
   float* RowBuffer() const { return rowBuffer_.Data(); }
+
+  // One entry per column each: the source pixel of each new one, the weight of that pixel and the
+  // weight of the next.
+  const std::int32_t* Columns() const { return xIndex_.Data(); }
+  const float* HereWeights() const { return rowBuffer_.Data(); }
+  const float* NextWeights() const { return xWeights_[0].entry; }
 
  private:
   std::int32_t sw_, sh_, width_, height_;

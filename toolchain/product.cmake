@@ -9,7 +9,8 @@ set(folder ${PROJECT_SOURCE_DIR}/toolchain)
 set(output ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/Varnell.dylib)
 set(name @loader_path/Varnell.dylib)
 set(objects $<TARGET_OBJECTS:plugin> $<TARGET_OBJECTS:pixels> $<TARGET_OBJECTS:scale>
-  $<TARGET_OBJECTS:resample> $<TARGET_OBJECTS:effects> $<TARGET_OBJECTS:macos_runtime>)
+  $<TARGET_OBJECTS:resample> $<TARGET_OBJECTS:effects> $<TARGET_OBJECTS:processor>
+  $<TARGET_OBJECTS:macos_runtime>)
 file(GLOB linker CONFIGURE_DEPENDS ${folder}/macho/*.py)
 
 if(VARNELL_MACOS_LINKER)

@@ -155,6 +155,27 @@ TEST(FastScaler, ASourceOfAnotherLockedSizeIsReadWithinIt) {
             "");
 }
 
+// What other code does to the source between rows is seen by the rows that follow, also when that
+// code's own scaling put an end to yielding.
+TEST(FastScaler, RowsAfterAYieldReadTheSourceAnew) {
+  support::LoadedPlugin plugin({.newPixelFormat = 5});
+  const support::RushingClock clock;
+  host::Picture* source = support::PictureOf(plugin.Host(), Words(5, {{1}}));
+  plugin.Host().onYield = [&] {
+    source->SetWord(0, 0, source->Word(0, 0) + 10);
+    if (plugin.Host().Yields() != 2) return;
+    const host::CallReport inner = plugin.Library().Call("ScaleZVQ", source, {1, 2, false, 0});
+    plugin.Host().Release(inner.ResultPicture());
+  };
+  const host::CallReport report = plugin.Library().Call("ScaleZVQ", source, {2, 4, false, 1});
+  ASSERT_NE(report.ResultPicture(), nullptr);
+  const Image expected = Words(5, {{0xFF000001, 0xFF000001},
+                                   {0xFF00000B, 0xFF00000B},
+                                   {0xFF000015, 0xFF000015},
+                                   {0xFF000015, 0xFF000015}});
+  EXPECT_EQ(support::Difference(expected, support::ImageOf(*report.ResultPicture())), "");
+}
+
 TEST(FastScaler, AllocatesNothingOfItsOwn) {
   support::LoadedPlugin plugin;
   host::Picture* source = plugin.Host().NewPicture({.width = 40, .height = 30});

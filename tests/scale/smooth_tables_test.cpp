@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstring>
+
 #include "tests/support/allocation_faults.h"
 
 namespace {
@@ -40,6 +43,35 @@ TEST(SmoothTables, WeightsOfThreeTenthsRoundInTheirOrder) {
   const TapWeights weights = WeightsFor(t);
   EXPECT_EQ(weights.entry[1], 3.0F * t2 - 2.0F * t3);
   EXPECT_EQ(weights.entry[2], (2.0F * t3 - 3.0F * t2) + 1.0F);
+}
+
+// What lets blends go without clamping.
+TEST(SmoothTables, WeightsAreWithinAMillionthOfTheSmoothstep) {
+  constexpr std::uint32_t kBitsOfOne = 0x3F800000;
+  const auto check = [](std::uint32_t bits) {
+    float t = 0.0F;
+    std::memcpy(&t, &bits, sizeof(t));
+    const double exact = (3.0 - 2.0 * t) * t * t;
+    const TapWeights weights = WeightsFor(t);
+    const bool close = std::abs(weights.entry[1] - exact) < 0x1p-20 &&
+                       std::abs(weights.entry[2] - (1 - exact)) < 0x1p-20;
+    return close && weights.entry[1] >= 0 && !std::signbit(weights.entry[1]);
+  };
+  for (std::uint32_t bits = 0; bits < kBitsOfOne; bits += 997) ASSERT_TRUE(check(bits)) << bits;
+  for (std::uint32_t below = 1; below < 1000000; ++below) {
+    ASSERT_TRUE(check(kBitsOfOne - below)) << below;
+  }
+}
+
+TEST(SmoothTables, WeightsSetApartAreThoseOfThePixelAndTheNext) {
+  SmoothTables whole(5, 2, 9, 3), apart(5, 2, 9, 3);
+  whole.FillColumnWeights();
+  apart.FillColumnWeights();
+  apart.SetColumnWeightsApart();
+  for (int i = 0; i < 9; ++i) {
+    EXPECT_EQ(apart.HereWeights()[i], whole.ColumnWeights(i).entry[2]);
+    EXPECT_EQ(apart.NextWeights()[i], whole.ColumnWeights(i).entry[1]);
+  }
 }
 
 TEST(SmoothTables, IndexesAreTheTruncatedPositions) {

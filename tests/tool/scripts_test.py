@@ -57,6 +57,17 @@ class CheckLayers(ScriptTest):
         )
         self.assertEqual((result.returncode, result.stdout), (0, "15 files looked at, 0 offences\n"))
 
+    def test_keeps_instructions_of_the_processor_in_their_folders(self):
+        result = self.check(
+            plugin__processor="#include <cpuid.h>\n", scale__x86__fast="#include <immintrin.h>\n"
+        )
+        self.assertEqual((result.returncode, result.stdout), (0, "12 files looked at, 0 offences\n"))
+        for name, header in [("scale__fast", "immintrin.h"), ("plugin__other", "cpuid.h")]:
+            with self.subTest(name):
+                result = self.check(**{name: f"#include <{header}>\n"})
+                self.assertEqual(result.returncode, 1)
+                self.assertIn(f"the plug-in must not need <{header}>", result.stdout)
+
     def test_refuses_every_other_arrow(self):
         for folder, header in [
             ("platform", "plugin/host_interface.h"),
