@@ -33,6 +33,7 @@ constexpr std::int32_t BitsOf(std::int32_t box) {
 constexpr BoxDivision NarrowDivision(std::int32_t box) {
   const auto divisor = static_cast<std::uint32_t>(box);
   const std::int32_t shift = 15 + BitsOf(box);
+  // NOLINTNEXTLINE(clang-analyzer-core.DivideZero): boxes are 3 at least
   const std::uint32_t below = (1U << shift) / divisor;
   const std::uint32_t rest = (1U << shift) % divisor;
   if (divisor - rest <= rest) return {below + 1, 0, shift};

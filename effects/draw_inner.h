@@ -36,5 +36,5 @@ class InnerPixels {
   bool nothingForWhite_ = false;
   WeightedBlend weighted_;
   FixedBlend fixed_ = {};
-  double tables_[kCorners][256];
+  double tables_[kCorners][256] = {};
 };

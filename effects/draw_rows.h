@@ -22,7 +22,8 @@ struct Neighbours {
 
 // Weights that are the same for all pixels.
 struct FixedBlend {
-  PixelLayout source, dest;
+  PixelLayout source = PixelLayout::kNone;
+  PixelLayout dest = PixelLayout::kNone;
   FixedShare corners[kCorners];
   FixedShare rest;  // of the old colour; weight 0 when nothing is left for it
 };

@@ -8,6 +8,7 @@ Division DivisionBy(std::int32_t divisor) {
   std::int32_t shift = 0;
   while ((2 << shift) <= divisor) ++shift;  // 2^shift <= divisor < 2^(shift + 1)
   if ((1 << shift) == divisor) --shift;     // 2^16 would not fit
+  // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): divisors are 2 at least
   const std::uint32_t power = 65536U << shift;
   const auto by = static_cast<std::uint32_t>(divisor);
   return {static_cast<std::uint16_t>((power + by - 1) / by), shift};

@@ -57,7 +57,9 @@ const SmoothRows& SmoothRowsFor(VectorLevel level, std::int32_t sourceWidth, std
   if (level >= VectorLevel::kAvx2) return kSmoothRowsAvx2;
   if (level >= VectorLevel::kSse2) return kSmoothRowsSse2;
 #else
-  static_cast<void>(level), static_cast<void>(sourceWidth), static_cast<void>(width);
+  static_cast<void>(level);
+  static_cast<void>(sourceWidth);
+  static_cast<void>(width);
 #endif
   return kSmoothRowsScalar;
 }
