@@ -96,6 +96,25 @@ TEST(DrawWidePicture, MatchesTheOracle) {
 }
 
 // Samples that this very row has changed are read as they then are.
+TEST(DrawWidePicture, MatchesTheOracleWhenDrawnIntoItsOwnMask) {
+  Random random(77);
+  for (const double x : {0.5, 3.25, -2.0}) {
+    support::LoadedPlugin plugin;
+    const Image source = random.Noise(70, 9, 6);
+    const Image mask = random.Noise(70, 9, 6);
+    host::Picture* from = support::PictureOf(plugin.Host(), source);
+    host::Picture* to = support::PictureOf(plugin.Host(), mask);
+    plugin.Host().SetMask(from, to);
+    plugin.Host().Book().Lock(to, "test");
+    const host::CallReport report =
+        plugin.Library().Call("DrawPictureFZVQ", to, {from, x, 0.5, 0.7, 0});
+    EXPECT_TRUE(std::get<bool>(report.result));
+    Image expected = mask;
+    oracle::DrawPicture(expected, source, &expected, x, 0.5, 0.7);
+    EXPECT_EQ(support::Difference(expected, support::ImageOf(*to)), "") << x;
+  }
+}
+
 TEST(DrawWidePicture, MatchesTheOracleWhenDrawnIntoItself) {
   RunCases(ApplicationKind::kDesktop, true, 83, 252);
   RunCases(ApplicationKind::kConsole, true, 84, 126);

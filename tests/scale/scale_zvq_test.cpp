@@ -41,6 +41,24 @@ TEST(ScaleZVQ, AHostThatCannotLockObjectsGetsThePictureWithoutAReference) {
   EXPECT_EQ(source->References(), 1);
 }
 
+TEST(ScaleZVQ, WideRowsOfTheirOwnWidthAreCopiedInPieces) {
+  support::LoadedPlugin plugin;
+  Image wide;
+  wide.width = 9001;
+  wide.height = 3;
+  wide.format = 6;
+  for (std::uint32_t i = 0; i < 9001U * 3U; ++i) wide.words.push_back(i * 2654435761U);
+  host::Picture* source = support::PictureOf(plugin.Host(), wide);
+  for (const int height : {2, 7}) {
+    const host::CallReport report =
+        plugin.Library().Call("ScaleZVQ", source, {9001, height, false, 0});
+    ASSERT_NE(report.ResultPicture(), nullptr);
+    EXPECT_EQ(support::Difference(oracle::FastScale(wide, 9001, height, 6),
+                                  support::ImageOf(*report.ResultPicture())),
+              "");
+  }
+}
+
 struct ChoiceCase {
   const char* name;
   int width, height;
