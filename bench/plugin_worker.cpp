@@ -1,106 +1,88 @@
 // Times a plug-in's methods in the reference host. What the host does itself (making, filling and
-// clearing pictures, its bookkeeping) is measured within its entries and taken off.
+// clearing pictures, its bookkeeping) is measured and taken off.
 //
 // Usage: plugin_worker NAME=PLUGIN
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <map>
+#include <exception>
 #include <memory>
 #include <string>
 
+#include "bench/host_time.h"
+#include "bench/plugin_scene.h"
 #include "bench/worker.h"
-#include "bench/works.h"
+#include "host/call_arguments.h"
+#include "host/native_call.h"
 #include "host/plugin_library.h"
 
 namespace {
 
-using bench::Kind;
+using bench::Outcome;
+using bench::Taken;
 using bench::Work;
 using Clock = std::chrono::steady_clock;
 
 class Bench {
  public:
-  explicit Bench(const std::string& path) : library_(runtime_, path) {
-    runtime_.Calls().onLine = nullptr;
-  }
+  Bench(std::string name, const std::string& path)
+      : name_(std::move(name)), library_(runtime_, path), hostTime_(runtime_) {}
 
-  double Run(const Work& work) {
-    Scene& scene = SceneFor(work);
+  Taken Run(const Work& work) {
+    if (words_ != work.words) Prepare(work);
+    if (refuses_) return {Outcome::kRefused};
     runtime_.Calls().Clear();
     runtime_.entryTime = {.on = true};
+    const long before = bench::PageFaults();
     const auto start = Clock::now();
-    const host::CallReport report = library_.Call(scene.method, scene.receiver, scene.arguments);
+    const host::NativeResult result = host::CallNative(method_->routine, arguments_, Result());
     const std::chrono::duration<double> whole = Clock::now() - start;
-    const double own = whole.count() - runtime_.entryTime.seconds;
+    const long faults = bench::PageFaults() - before;
+    const double host = runtime_.entryTime.seconds + hostTime_.Missed(runtime_.Calls().Lines());
     runtime_.entryTime = {};
-    const bool done = std::holds_alternative<bool>(report.result)
-                          ? std::get<bool>(report.result)
-                          : report.ResultPicture() != nullptr;
-    if (host::Picture* made = report.ResultPicture()) runtime_.Release(made);
-    return done ? own * 1e3 : -1;
+    if (result.word == 0) return {Outcome::kRefused};
+    if (Result() == host::Type::kPicture) {
+      runtime_.Release(runtime_.Book().Find(reinterpret_cast<const void*>(result.word)));
+    }
+    return {Outcome::kDone, (whole.count() - host) * 1e3, std::max(0L, faults - hostFaults_)};
   }
 
  private:
-  struct Scene {
-    std::string method;
-    host::Picture* receiver = nullptr;
-    std::vector<host::Value> arguments;
-  };
+  host::Type Result() const { return method_->declaration.result; }
 
-  host::Picture* Make(int width, int height) {
-    host::Picture* picture = runtime_.NewPicture(runtime_.NewPictureSpec(width, height));
-    for (int y = 0; y < height; ++y) {
-      for (int x = 0; x < width; ++x) picture->SetWord(x, y, bench::PixelAt(x, y));
+  // One work at a time is kept: a 32-bit process has no room for all. The first call is a checked
+  // one.
+  void Prepare(const Work& work) {
+    words_.clear();
+    scene_.reset();
+    scene_ = std::make_unique<bench::PluginScene>(runtime_, work);
+    method_ = library_.Find(scene_->Method());
+    refuses_ = true;
+    if (method_ != nullptr) {
+      const host::CallReport report =
+          library_.Call(scene_->Method(), scene_->Receiver(), scene_->Arguments());
+      const bool* truth = std::get_if<bool>(&report.result);
+      refuses_ = truth != nullptr ? !*truth : report.ResultPicture() == nullptr;
+      if (report.ResultPicture() != nullptr) runtime_.Release(report.ResultPicture());
+      if (!report.Clean()) {
+        std::fprintf(stderr, "bench: %s misuses the host: %s\n", name_.c_str(), work.words.c_str());
+      }
+      arguments_ = host::NativeArguments(*method_, scene_->Receiver(), scene_->Arguments());
+      hostFaults_ = refuses_ ? 0 : scene_->HostFaults();
     }
-    return picture;
+    words_ = work.words;
   }
 
-  // One at a time is kept: a 32-bit process has no room for all.
-  Scene& SceneFor(const Work& work) {
-    if (scenes_.contains(work.name)) return scenes_[work.name];
-    for (host::Picture* picture : pictures_) runtime_.Release(picture);
-    pictures_.clear();
-    scenes_.clear();
-    Scene& scene = scenes_[work.name];
-    host::Picture* source = Make(work.sourceWidth, work.sourceHeight);
-    pictures_.push_back(source);
-    scene.receiver = source;
-    if (work.kind == Kind::kDrawMasked || work.kind == Kind::kScaleBoth) {
-      runtime_.SetMask(source, Make(work.sourceWidth, work.sourceHeight));
-    }
-    switch (work.kind) {
-      case Kind::kFast:
-      case Kind::kSmooth:
-        scene.method = "ScaleZVQ";
-        scene.arguments = {work.width, work.height, work.kind == Kind::kSmooth};
-        break;
-      case Kind::kScaleBoth:
-        scene.method = "ScaleImageAndMaskZVQ";
-        scene.arguments = {work.width, work.height, false};
-        break;
-      case Kind::kResample:
-        scene.method = "ScalingZVQ";
-        scene.arguments = {work.mode, work.width, work.height};
-        break;
-      case Kind::kBlur:
-        scene.method = "BlurZVQ";
-        scene.arguments = {static_cast<double>(work.mode)};
-        break;
-      case Kind::kDraw:
-      case Kind::kDrawMasked:
-        scene.method = "DrawPictureFZVQ";
-        scene.receiver = Make(work.width, work.height);
-        pictures_.push_back(scene.receiver);
-        scene.arguments = {source, bench::kDrawX, bench::kDrawY, bench::kOpacity};
-        break;
-    }
-    return scene;
-  }
-
+  std::string name_;
   host::Runtime runtime_;
   host::PluginLibrary library_;
-  std::map<std::string, Scene> scenes_;
-  std::vector<host::Picture*> pictures_;
+  bench::HostTime hostTime_;
+  std::string words_;
+  std::unique_ptr<bench::PluginScene> scene_;
+  const host::RegisteredMethod* method_ = nullptr;
+  std::vector<host::NativeArgument> arguments_;
+  bool refuses_ = true;
+  long hostFaults_ = 0;
 };
 
 }  // namespace
@@ -112,7 +94,12 @@ int main(int count, char** words) {
     std::fprintf(stderr, "Usage: plugin_worker NAME=PLUGIN\n");
     return 2;
   }
-  Bench bench(word.substr(equals + 1));
-  return bench::Serve(
-      {{word.substr(0, equals), [&](const Work& work) { return bench.Run(work); }}});
+  try {
+    const std::string name = word.substr(0, equals);
+    Bench bench(name, word.substr(equals + 1));
+    return bench::Serve({{name, [&](const Work& work) { return bench.Run(work); }}});
+  } catch (const std::exception& failure) {
+    std::fprintf(stderr, "bench: %s\n", failure.what());
+    return 2;
+  }
 }
