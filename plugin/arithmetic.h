@@ -13,6 +13,13 @@ inline std::int32_t TruncateToInt32(double value) {
   return fits ? static_cast<std::int32_t>(value) : std::numeric_limits<std::int32_t>::min();
 }
 
+// Rounds down; NaN and values outside -2^31 + 1 .. 2^31 - 1 as above.
+inline std::int32_t FloorToInt32(double value) {
+  const std::int32_t truncated = TruncateToInt32(value);
+  const bool isAbove = truncated > value && truncated > std::numeric_limits<std::int32_t>::min();
+  return isAbove ? truncated - 1 : truncated;
+}
+
 // Truncates toward zero into 0..255: 0 for values up to 0, 255 for values from 255 on. NaN gives 0.
 inline std::uint8_t TruncateToByte(float value) {
   if (!(value > 0.0F)) return 0;

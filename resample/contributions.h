@@ -1,11 +1,11 @@
 // Which source pixels make a new pixel along one axis, and how much each weighs.
 #pragma once
 
-#include <cmath>
 #include <cstdint>
 
 #include "plugin/arithmetic.h"
 #include "plugin/zeroed_block.h"
+#include "resample/kernel_values.h"
 
 // One tap.
 struct Contribution {
@@ -85,14 +85,20 @@ struct TapSearch {
     return {scale, scale, halfWidth, false, capacity};
   }
 
+  // No list reaches over more source pixels.
+  std::int32_t Span(std::int32_t sourceSize) const {
+    const double span = 2.0 * halfWidth + 3.0;
+    return span < sourceSize ? static_cast<std::int32_t>(span) : sourceSize;
+  }
+
   std::int32_t First(double centre) const {
     const double border = centre - halfWidth;
-    const std::int32_t first = TruncateToInt32(towardOutside ? std::floor(border) : border);
+    const std::int32_t first = towardOutside ? FloorToInt32(border) : TruncateToInt32(border);
     return first > 0 ? first : 0;
   }
   std::int32_t Last(double centre, std::int32_t sourceSize) const {
     const double border = centre + halfWidth;
-    const std::int32_t last = TruncateToInt32(towardOutside ? std::ceil(border) : border);
+    const std::int32_t last = towardOutside ? -FloorToInt32(-border) : TruncateToInt32(border);
     return last < sourceSize - 1 ? last : sourceSize - 1;
   }
 };
@@ -100,6 +106,7 @@ struct TapSearch {
 template <typename Filter>
 void ContributionLists::Build(std::int32_t sourceSize, Axis axis) {
   const TapSearch search = TapSearch::For<Filter>(sourceSize, count_, axis);
+  KernelValues<Filter> kernel;
   for (std::int32_t i = 0; i < count_; ++i) {
     ContributionList list = NewList(search.capacity);
     if (list.entries != nullptr) {
@@ -107,7 +114,7 @@ void ContributionLists::Build(std::int32_t sourceSize, Axis axis) {
       const std::int32_t last = search.Last(centre, sourceSize);
       double total = 0.0;
       for (std::int32_t j = search.First(centre); j <= last; ++j) {
-        const double weight = Filter::Value((centre - j - 0.5) * search.stretch);
+        const double weight = kernel.Value((centre - j - 0.5) * search.stretch);
         if (weight == 0.0 || list.count >= search.capacity) continue;
         list.entries[list.count++] = {static_cast<float>(weight), j};
         total += weight;

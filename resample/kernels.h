@@ -6,6 +6,7 @@
 //   kSearch           radius within which source pixels are looked at, at scale 1
 //   kEnlargedTaps     most taps of a new pixel when enlarging along rows, and
 //   kEnlargedTapsDown down columns
+//   kCostly           whether values take long to compute
 //   Value(x)          the kernel
 #pragma once
 
@@ -30,6 +31,7 @@ struct TriangleFilter {
   static constexpr double kSearch = 1.0;
   static constexpr int kEnlargedTaps = 4;
   static constexpr int kEnlargedTapsDown = 4;
+  static constexpr bool kCostly = false;
   static double Value(double x) {
     const double t = std::fabs(x);
     return t < 1.0 ? 1.0 - t : 0.0;
@@ -43,6 +45,7 @@ struct BoxFilter {
   static constexpr double kSearch = 0.5;
   static constexpr int kEnlargedTaps = 2;
   static constexpr int kEnlargedTapsDown = 3;
+  static constexpr bool kCostly = false;
   static double Value(double x) { return std::fabs(x) <= 0.5 ? 1.0 : 0.0; }
 };
 
@@ -53,6 +56,7 @@ struct Lanczos3Filter {
   static constexpr double kSearch = 3.0;
   static constexpr int kEnlargedTaps = 8;
   static constexpr int kEnlargedTapsDown = 8;
+  static constexpr bool kCostly = true;
   static double Value(double x) {
     const double t = std::fabs(x);
     return t < 3.0 ? kernels::Sinc(t) * kernels::Sinc(t / 3.0) : 0.0;
@@ -64,6 +68,7 @@ struct Lanczos8Filter {
   static constexpr double kSearch = 8.0;
   static constexpr int kEnlargedTaps = 18;
   static constexpr int kEnlargedTapsDown = 18;
+  static constexpr bool kCostly = true;
   static double Value(double x) {
     const double t = std::fabs(x);
     return t < 8.0 ? kernels::Sinc(t) * kernels::Sinc(t * 0.125) : 0.0;
@@ -78,6 +83,7 @@ struct MitchellFilter {
   static constexpr double kSearch = 2.0;
   static constexpr int kEnlargedTaps = 6;
   static constexpr int kEnlargedTapsDown = 6;
+  static constexpr bool kCostly = false;
   static double Value(double x) {
     const double t = std::fabs(x);
     const double t2 = x * x;
@@ -97,6 +103,7 @@ struct BicubicFilter {
   static constexpr double kSearch = 4.0;
   static constexpr int kEnlargedTaps = 10;
   static constexpr int kEnlargedTapsDown = 10;
+  static constexpr bool kCostly = false;
   static double Value(double x) {
     const double t = std::fabs(x);
     if (t < 1.0) return (1.25 * t - 2.25) * (t * t) + 1.0;
@@ -113,6 +120,7 @@ struct Cubic6Filter {
   static constexpr double kSearch = 3.0;
   static constexpr int kEnlargedTaps = 8;
   static constexpr int kEnlargedTapsDown = 8;
+  static constexpr bool kCostly = false;
   static double Value(double x) {
     const double t = std::fabs(x);
     const double t2 = t * t;

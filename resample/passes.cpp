@@ -2,8 +2,6 @@
 
 #include <cstddef>
 
-#include "plugin/arithmetic.h"
-
 namespace {
 
 // The intermediate image's words are those of a host buffer with a top byte of 0.
@@ -13,12 +11,9 @@ struct Sums {
   double r = 0.0, g = 0.0, b = 0.0;
 };
 
-std::uint32_t Channel(double sum, float total) {
-  return ClampToByte(TruncateToInt32(sum / static_cast<double>(total) + 0.5));
-}
-
 Rgb Quotients(const Sums& sums, float total) {
-  return {Channel(sums.r, total), Channel(sums.g, total), Channel(sums.b, total)};
+  return {RoundedQuotient(sums.r, total), RoundedQuotient(sums.g, total),
+          RoundedQuotient(sums.b, total)};
 }
 
 template <PixelLayout layout>

@@ -6,7 +6,14 @@
 #include <cstdint>
 
 #include "pixels/pixel_format.h"
+#include "plugin/arithmetic.h"
 #include "resample/contributions.h"
+
+// trunc(sum / total + 0.5) in doubles, clamped to 0..255. Deliberate: a quotient that is not finite
+// or does not fit 32 bits gives 0, not 255, so an empty list gives black.
+inline std::uint32_t RoundedQuotient(double sum, float total) {
+  return ClampToByte(TruncateToInt32(sum / static_cast<double>(total) + 0.5));
+}
 
 // Where a row of the intermediate image starts, in words.
 inline std::size_t IndexOf(std::int32_t row, std::int32_t width) {
@@ -19,9 +26,8 @@ inline std::size_t IndexOf(std::int32_t row, std::int32_t width) {
 // lists   one for each new column, with columns of this row
 // result  one word for each list, 0x00RRGGBB; must not overlap source
 //
-// Channel = trunc(sum(channel·weight) / total + 0.5), clamped to 0..255; products and sums are
-// doubles, added in tap order. Deliberate: a quotient that is not finite or does not fit 32 bits
-// gives 0, not 255, so an empty list gives black.
+// A channel is the rounded quotient of sum(channel·weight) and the list's total; products and sums
+// are doubles, added in tap order.
 void FilterAlongRow(const std::uint32_t* source, PixelLayout layout, const ContributionLists& lists,
                     std::uint32_t* result);
 
@@ -31,6 +37,6 @@ void FilterAlongRow(const std::uint32_t* source, PixelLayout layout, const Contr
 // list    rows of the image, for this new row
 // result  `width` opaque words in `layout`
 //
-// Channel as above, except that each product is rounded to single precision before it is added.
+// Channels as above, except that each product is rounded to single precision before it is added.
 void FilterDownColumns(const std::uint32_t* image, std::int32_t width, const ContributionList& list,
                        PixelLayout layout, std::uint32_t* result);

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "pixels/pixel_format.h"
+#include "pixels/recolouring.h"
 #include "plugin/processor.h"
 
 // floor(sum / divisor) = sum·multiplier >> (16 + shift) for 2 <= divisor <= kWidestNarrow and every
@@ -17,16 +17,6 @@ struct Division {
 };
 inline constexpr std::int32_t kWidestNarrow = 128;
 Division DivisionBy(std::int32_t divisor);
-
-// How words change on their way from one layout into another, as EncodeOpaque and Decode have it.
-struct Recolouring {
-  std::int32_t from[3];       // lowest bit of red, green and blue in the source's words
-  std::int32_t to[3];         // and in the result's
-  std::uint32_t opaque;       // set in every word
-  std::uint8_t byteOrder[4];  // for each byte of the result the source's byte, or 0x80 for none
-};
-Recolouring RecolouringOf(PixelLayout from, PixelLayout to);
-std::uint32_t Recoloured(const Recolouring& change, std::uint32_t word);
 
 // Every pointer may be any address that is a multiple of 4. Nothing outside the named pixels is
 // read or written. Sources and results do not overlap unless it is said.

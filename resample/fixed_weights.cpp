@@ -1,0 +1,256 @@
+#include "resample/fixed_weights.h"
+
+#include <cmath>
+#include <cstddef>
+#include <cstring>
+
+namespace {
+
+constexpr std::int32_t kMostBits = 20;
+constexpr std::int32_t kMostFineBits = 15;
+constexpr std::int32_t kWidestMean = 4096;  // pixels
+constexpr double kMiddle = 127.5;           // of the channel values
+constexpr double kHalf = 0.5;
+
+std::int32_t FirstPixel(const ContributionList& list) { return list.entries[0].pixel; }
+std::int32_t LastPixel(const ContributionList& list) { return list.entries[list.count - 1].pixel; }
+
+double PowerOfTwo(std::int32_t exponent) {
+  return static_cast<double>(std::int64_t{1} << exponent);
+}
+
+// To the nearest integer, in doubles up to 2^50.
+double Rounded(double value) {
+  constexpr double kNoFractions = 6755399441055744.0;  // 1.5·2^52
+  return (value + kNoFractions) - kNoFractions;
+}
+
+double ReciprocalOf(const ContributionList& list) { return 1.0 / static_cast<double>(list.total); }
+
+// Whether the definition's channel is the mean of neighbouring pixels, a half rounded up. Single
+// precision gives the same, divided with a reciprocal: (sum + count/2 + 1/4) is exact, the quotient
+// at least 1/4 / kWidestMean away from the integers next to it, and off by less than 2^-14.
+bool IsMean(const ContributionList& list) {
+  if (list.count == 0) return true;
+  if (list.count > kWidestMean || LastPixel(list) - FirstPixel(list) != list.count - 1) {
+    return false;
+  }
+  for (std::int32_t k = 0; k < list.count; ++k) {
+    if (list.entries[k].weight != 1.0F) return false;
+  }
+  return true;
+}
+
+// Whether every n is a multiple of 2^-bits and the definition's floats round nothing. All sums are
+// multiples of total / 2^bits then, with factors of 29 bits at most, and total has 24: no more than
+// the 53 of doubles. A weight of 16 bits has exact products with channels in single precision, too.
+bool IsExact(const ContributionList& list, std::int32_t bits) {
+  const double reciprocal = ReciprocalOf(list);
+  for (std::int32_t k = 0; k < list.count; ++k) {
+    const float weight = list.entries[k].weight;
+    std::uint32_t word = 0;
+    std::memcpy(&word, &weight, sizeof word);
+    const double scaled = weight * reciprocal * PowerOfTwo(bits);
+    const bool isMultiple = scaled == Rounded(scaled) &&
+                            scaled * static_cast<double>(list.total) == weight * PowerOfTwo(bits);
+    if ((word & 0xFFU) != 0 || !isMultiple) return false;
+  }
+  return true;
+}
+
+// What decides about the scale of a list.
+struct Extremes {
+  double weight = 0.0;  // largest |n|
+  double sum = 0.0;     // of all |n|
+
+  // Not very large, and numbers at all.
+  bool AreUsual() const { return sum < 64.0; }
+};
+
+Extremes ExtremesOf(const ContributionList& list) {
+  Extremes extremes;
+  const double reciprocal = ReciprocalOf(list);
+  for (std::int32_t k = 0; k < list.count; ++k) {
+    const double n = std::fabs(list.entries[k].weight * reciprocal);
+    if (n > extremes.weight) extremes.weight = n;
+    extremes.sum += n;
+  }
+  return extremes;
+}
+
+// The finest scale at which weights have 16 bits and sums of 255·|n| have 29, for all lists that
+// have usual weights.
+std::int32_t BitsFor(const ContributionList* lists, std::int32_t count) {
+  std::int32_t bits = kMostBits;
+  for (std::int32_t i = 0; i < count; ++i) {
+    const Extremes extremes = ExtremesOf(lists[i]);
+    while (extremes.AreUsual() && (extremes.weight * PowerOfTwo(bits) > 32766.0 ||
+                                   extremes.sum * PowerOfTwo(bits) > PowerOfTwo(21))) {
+      --bits;
+    }
+  }
+  return bits;
+}
+
+// The finest scale at which the sums of 255 times fine weights, of at most half a unit, have 30.
+std::int32_t FineBitsFor(std::int32_t taps) {
+  std::int32_t bits = kMostFineBits;
+  while (bits > 0 && taps * PowerOfTwo(bits) > PowerOfTwo(23)) --bits;
+  return bits;
+}
+
+bool AreMeans(const ContributionList* lists, std::int32_t count) {
+  for (std::int32_t i = 0; i < count; ++i) {
+    if (!IsMean(lists[i])) return false;
+  }
+  return true;
+}
+
+// What rounding left of a list's weights.
+struct Rest {
+  double sum = 0.0, size = 0.0;
+  void Add(double rest) {
+    sum += rest;
+    size += std::fabs(rest);
+  }
+};
+
+void SetHalf(std::uint32_t* pairs, std::int32_t tap, double value) {
+  const auto half = static_cast<std::uint32_t>(static_cast<std::int32_t>(value)) & 0xFFFFU;
+  pairs[tap / 2] |= half << (tap % 2 * 16);
+}
+
+// Where one list's weights go.
+struct Place {
+  FixedHead* head;
+  std::uint32_t* coarse;
+  std::uint32_t* fine;
+  float* weights;
+  double fineScale;
+};
+
+Place PlaceOf(const FixedWeights& fixed, std::int32_t index) {
+  const auto at = static_cast<std::size_t>(index) * static_cast<std::size_t>(fixed.pairs);
+  return {fixed.heads + index, fixed.coarse + at, fixed.fine + at, fixed.weights + 2 * at,
+          PowerOfTwo(fixed.fineBits)};
+}
+
+// Writes the weights as they are and, times `factor`, as integers. Adds up what those leave.
+void FixTaps(const ContributionList& list, double factor, const Place& place, Rest& coarseRest,
+             Rest& fineRest) {
+  for (std::int32_t k = 0; k < list.count; ++k) {
+    const float weight = list.entries[k].weight;
+    const std::int32_t tap = list.entries[k].pixel - 2 * place.head->firstPair;
+    const double scaled = weight * factor;
+    const double coarse = Rounded(scaled);
+    const double rest = (scaled - coarse) * place.fineScale;
+    const double fine = Rounded(rest);
+    place.weights[tap] = weight;
+    SetHalf(place.coarse, tap, coarse);
+    SetHalf(place.fine, tap, fine);
+    coarseRest.Add(scaled - coarse);
+    fineRest.Add(rest - fine);
+  }
+}
+
+// Sums that say nothing, at either level.
+void LeaveOpen(const ContributionList& list, const Place& place) {
+  Rest ignored;
+  FixTaps(list, 0.0, place, ignored, ignored);
+  place.head->window = 1 << place.head->bits;
+  place.head->fineWindow = 1 << 30;
+}
+
+// What a sum may be off by, with ample 3 for what is rounded here. `floats`: what the definition's
+// floats and n may be off by, times the scale.
+std::int32_t Allowance(const Rest& rest, double floats) {
+  return static_cast<std::int32_t>(kMiddle * rest.size + 3.0 + floats);
+}
+
+// The list's head has its place and scale.
+void FixList(const ContributionList& list, const Place& place) {
+  const Extremes extremes = ExtremesOf(list);
+  if (!extremes.AreUsual()) return LeaveOpen(list, place);
+  FixedHead& head = *place.head;
+  const double scale = PowerOfTwo(head.bits);
+  Rest coarse, fine;
+  FixTaps(list, ReciprocalOf(list) * scale, place, coarse, fine);
+  head.upper = static_cast<std::int32_t>(Rounded(kHalf * scale + kMiddle * coarse.sum));
+  if (IsExact(list, head.bits)) return;
+  // Products are rounded to single precision, and there are a few more operations in doubles than
+  // taps, on sums up to 255 times that of |n|.
+  const double floats =
+      255.0 * extremes.sum * scale * (1.0 / PowerOfTwo(24) + (list.count + 8.0) / PowerOfTwo(52));
+  const std::int32_t allowance = Allowance(coarse, floats);
+  const std::int32_t fineAllowance = Allowance(fine, floats * place.fineScale);
+  head.upper += allowance;
+  head.window = 2 * allowance;
+  head.fineUpper = static_cast<std::int32_t>(Rounded(kMiddle * fine.sum)) + fineAllowance;
+  head.fineWindow = 2 * fineAllowance;
+}
+
+// Lists without taps lie where the list before lies, so that sources only move on.
+void PlaceHeads(const ContributionList* lists, std::int32_t count, std::int32_t sourceSize,
+                FixedWeights& fixed) {
+  const std::int32_t last = sourceSize / 2 + sourceSize % 2 - fixed.pairs;
+  std::int32_t place = 0;
+  for (std::int32_t i = 0; i < count; ++i) {
+    const ContributionList& list = lists[i];
+    if (list.count > 0) place = FirstPixel(list) / 2;
+    FixedHead& head = fixed.heads[i];
+    head = {};
+    head.firstPair = place < last ? place : last;
+    head.total = list.total;
+    head.reciprocal = list.count > 0 ? 1.0F / list.total : 0.0F;
+  }
+}
+
+void FixMeans(const ContributionList* lists, std::int32_t count, const FixedWeights& fixed) {
+  Rest none;
+  for (std::int32_t i = 0; i < count; ++i) FixTaps(lists[i], 1.0, PlaceOf(fixed, i), none, none);
+}
+
+// A group's lists share a scale.
+void FixGroup(const ContributionList* lists, std::int32_t first, std::int32_t count,
+              const FixedWeights& fixed) {
+  const std::int32_t bits = BitsFor(lists + first, count);
+  for (std::int32_t i = first; i < first + count; ++i) {
+    fixed.heads[i].bits = bits;
+    FixList(lists[i], PlaceOf(fixed, i));
+  }
+}
+
+}  // namespace
+
+std::int32_t WidestList(const ContributionList* lists, std::int32_t count) {
+  std::int32_t widest = 1;
+  for (std::int32_t i = 0; i < count; ++i) {
+    if (lists[i].count == 0) continue;
+    const std::int32_t pairs = LastPixel(lists[i]) / 2 - FirstPixel(lists[i]) / 2 + 1;
+    if (pairs > widest) widest = pairs;
+  }
+  return widest;
+}
+
+void FixWeights(const ContributionList* lists, std::int32_t count, std::int32_t sourceSize,
+                FixedWeights& fixed) {
+  const std::size_t words = static_cast<std::size_t>(count) * static_cast<std::size_t>(fixed.pairs);
+  std::memset(fixed.coarse, 0, words * sizeof *fixed.coarse);
+  std::memset(fixed.fine, 0, words * sizeof *fixed.fine);
+  std::memset(fixed.weights, 0, 2 * words * sizeof *fixed.weights);
+  PlaceHeads(lists, count, sourceSize, fixed);
+  fixed.fineBits = FineBitsFor(2 * fixed.pairs);
+  fixed.areMeans = AreMeans(lists, count);
+  if (fixed.areMeans) return FixMeans(lists, count, fixed);
+  for (std::int32_t i = 0; i < count; i += kListGroup) {
+    FixGroup(lists, i, count - i < kListGroup ? count - i : kListGroup, fixed);
+  }
+}
+
+Rounding RoundingOf(const FixedWeights& fixed, std::int32_t first, std::int32_t count) {
+  if (fixed.areMeans) return Rounding::kMean;
+  for (std::int32_t i = first; i < first + count; ++i) {
+    if (fixed.heads[i].window != 0) return Rounding::kChecked;
+  }
+  return Rounding::kExact;
+}

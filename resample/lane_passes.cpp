@@ -1,0 +1,163 @@
+#include "resample/lane_passes.h"
+
+namespace {
+
+constexpr std::uint64_t kMebibyte = std::uint64_t{1} << 20;
+
+std::int32_t PairsOf(std::int32_t pixels) { return pixels / 2 + pixels % 2; }
+std::int32_t Smaller(std::int32_t a, std::int32_t b) { return a < b ? a : b; }
+std::uint64_t Count(std::int32_t count) { return static_cast<std::uint64_t>(count); }
+
+void Add(const OpenChannels& counts, OpenChannels& all) {
+  all.coarse += counts.coarse;
+  all.fine += counts.fine;
+}
+
+// Cuts a block into arrays, each on cache lines of its own; without a block it only adds up.
+class Room {
+ public:
+  explicit Room(char* block) : block_(block) {
+    if (block != nullptr) used_ = (kLine - reinterpret_cast<std::uintptr_t>(block) % kLine) % kLine;
+  }
+
+  template <typename T>
+  T* For(std::uint64_t count) {
+    T* const place = block_ == nullptr ? nullptr : reinterpret_cast<T*>(block_ + used_);
+    used_ += (count * sizeof(T) + kLine - 1) / kLine * kLine;
+    return place;
+  }
+  void ForWeights(std::uint64_t lists, std::uint64_t pairs, FixedWeights& fixed) {
+    fixed.heads = For<FixedHead>(lists);
+    fixed.coarse = For<std::uint32_t>(lists * pairs);
+    fixed.fine = For<std::uint32_t>(lists * pairs);
+    fixed.weights = For<float>(lists * pairs * 2);
+  }
+  // With what the block's own start may take.
+  std::uint64_t Used() const { return used_ + kLine; }
+
+ private:
+  static constexpr std::uint64_t kLine = 64;
+
+  char* block_;
+  std::uint64_t used_ = 0;
+};
+
+}  // namespace
+
+std::uint64_t LanePasses::Place(char* block, char* ring, std::int32_t mostRowPairs) {
+  Room room(block);
+  room.ForWeights(Count(width_), Count(columns_.pairs), columns_);
+  pieces_ = room.For<Piece>(blocks_);
+  copied_ = room.For<std::int32_t>(columnsAreCopies_ ? Count(width_) : 0);
+  room.ForWeights(1, Count(mostRowPairs), row_);
+  rows_ = room.For<const RingBlock*>(Count(mostRowPairs));
+  spread_ = room.For<SpreadPair>(Count(PairsOf(reader_->width)));
+  ring_ = ring != nullptr ? reinterpret_cast<RingBlock*>(ring)
+                          : room.For<RingBlock>(Count(batches_ * kBatchPairs) * blocks_);
+  return room.Used();
+}
+
+bool LanePasses::Prepare(const PictureReader& reader, const ContributionLists& columns, void* image,
+                         std::int32_t span, VectorLevel level) {
+  kernels_ = LaneKernelsFor(level);
+  if (kernels_ == nullptr || reader.Layout() == PixelLayout::kNone) return false;
+  reader_ = &reader;
+  width_ = columns.Count();
+  columns_.pairs = WidestList(&columns[0], width_);
+  columnsAreCopies_ = true;
+  for (std::int32_t x = 0; x < width_; ++x) {
+    columnsAreCopies_ =
+        columnsAreCopies_ && IsCopy(columns[x]) &&
+        (x == 0 || columns[x].entries[0].pixel - columns[x - 1].entries[0].pixel <= 1);
+  }
+  blocks_ = static_cast<std::size_t>(width_ / kLanes) + (width_ % kLanes > 0 ? 1 : 0);
+  const std::int32_t rowPairs = Smaller(span / 2 + 1, PairsOf(reader.height));
+  // As many as the pairs of one row may touch.
+  batches_ = (rowPairs + kBatchPairs - 2) / kBatchPairs + 1;
+  const std::uint64_t imageBytes = Count(width_) * Count(reader.height) * 4;
+  const std::uint64_t ringBytes = Count(batches_ * kBatchPairs) * blocks_ * sizeof(RingBlock);
+  char* const ring = ringBytes <= imageBytes ? static_cast<char*>(image) : nullptr;
+  const std::uint64_t bytes = Place(nullptr, ring, rowPairs);
+  if (bytes + (ring != nullptr ? ringBytes : 0) > imageBytes + kMebibyte) return false;
+  block_ = ZeroedBlock<char>(bytes);
+  if (!block_) return false;
+  Place(block_.Data(), ring, rowPairs);
+  FixWeights(&columns[0], width_, reader.width, columns_);
+  CutPieces();
+  FindColumns(columns);
+  return true;
+}
+
+// Lists near the borders are seldom as simple as those between them.
+void LanePasses::CutPieces() {
+  Piece* last = nullptr;
+  for (std::int32_t x = 0; x < width_; x += kLanes) {
+    const std::int32_t count = Smaller(width_ - x, kLanes);
+    const Piece piece = {x, count, RoundingOf(columns_, x, count), columns_.heads[x].bits};
+    if (last != nullptr && last->rounding == piece.rounding && last->bits == piece.bits &&
+        last->count < kLongestAlong) {
+      last->count += count;
+    } else {
+      last = pieces_ + pieceCount_++;
+      *last = piece;
+    }
+  }
+}
+
+void LanePasses::FindColumns(const ContributionLists& columns) {
+  for (std::int32_t x = 0; columnsAreCopies_ && x < width_; ++x) {
+    copied_[x] = columns[x].entries[0].pixel;
+    if (copied_[x] + kLanes <= reader_->width) reaching_ = x + 1;
+  }
+}
+
+void LanePasses::FilterBatch(std::int32_t batch) {
+  const std::uint32_t* rows[kLanes];
+  for (std::int32_t i = 0; i < kLanes; ++i) {
+    const std::int32_t row = Smaller(batch * kLanes + i, reader_->height - 1);
+    rows[i] = reinterpret_cast<const std::uint32_t*>(reader_->RowAddress(row));
+  }
+  RingBlock* const result = Pair(batch * kBatchPairs);
+  std::int32_t spread = 0;  // pairs of columns taken apart so far
+  for (std::int32_t i = 0; i < pieceCount_; ++i) {
+    const Piece& piece = pieces_[i];
+    const std::int32_t lastColumn = piece.first + piece.count - 1;
+    const std::int32_t end = columns_.heads[lastColumn].firstPair + columns_.pairs;
+    const std::int32_t needed = Smaller((end / 8 + 1) * 8, PairsOf(reader_->width));
+    if (needed > spread) {
+      kernels_->spread(rows, reader_->Layout(), reader_->width, spread, needed, spread_);
+      spread = needed;
+    }
+    Add(kernels_->along(columns_, spread_, piece, result + piece.first / kLanes, blocks_),
+        openAlong_);
+  }
+}
+
+void LanePasses::FillRing(std::int32_t firstPair, std::int32_t lastPair) {
+  if (next_ < firstPair / kBatchPairs) next_ = firstPair / kBatchPairs;
+  for (; next_ * kBatchPairs <= lastPair; ++next_) FilterBatch(next_);
+}
+
+void LanePasses::FilterRow(const ContributionList& list, PixelLayout layout,
+                           std::uint32_t* result) {
+  if (layout == PixelLayout::kNone) return;
+  if (list.count == 0) {
+    for (std::int32_t x = 0; x < width_; ++x) result[x] = EncodeOpaque(layout, {0, 0, 0});
+    return;
+  }
+  if (columnsAreCopies_ && IsCopy(list)) {
+    const unsigned char* source = reader_->RowAddress(list.entries[0].pixel);
+    return kernels_->pick(reinterpret_cast<const std::uint32_t*>(source), copied_, reaching_,
+                          width_, RecolouringOf(reader_->Layout(), layout), result);
+  }
+  const std::int32_t first = list.entries[0].pixel / 2;
+  row_.pairs = WidestList(&list, 1);
+  FixWeights(&list, 1, reader_->height, row_);
+  FillRing(first, first + row_.pairs - 1);
+  for (std::int32_t k = 0; k < row_.pairs; ++k) rows_[k] = Pair(first + k);
+  const Rounding rounding = RoundingOf(row_, 0, 1);
+  for (std::int32_t x = 0; x < width_; x += kLongestDown) {
+    const Piece piece = {x, Smaller(width_ - x, kLongestDown), rounding, row_.heads->bits};
+    Add(kernels_->down(row_, rows_, piece, layout, result + x), openDown_);
+  }
+}
