@@ -134,7 +134,7 @@ def first_line(*words):
     return output(*words).split("\n")[0]
 
 
-def output(*words):
+def output(*words, given=""):
     if not shutil.which(words[0]):
         return ""
-    return subprocess.run(words, capture_output=True, text=True).stdout
+    return subprocess.run(words, input=given, capture_output=True, text=True).stdout
