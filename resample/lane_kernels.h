@@ -19,10 +19,10 @@ using SpreadPair = std::uint32_t[kChannels][kLanes];
 // Eight columns of a pair of rows: two bytes for each channel and column, the even row's first.
 using RingBlock = std::uint8_t[kChannels][2 * kLanes];
 
-// Channels that the coarse weights, and the fine ones, left open.
+// Channels of a piece that the coarse weights, and the fine ones, left open.
 struct OpenChannels {
-  std::int64_t coarse = 0;
-  std::int64_t fine = 0;
+  std::int32_t coarse = 0;
+  std::int32_t fine = 0;
 };
 
 // A piece of a row of results, columns first..first + count - 1, of which `first` is a multiple of

@@ -8,7 +8,7 @@ std::int32_t PairsOf(std::int32_t pixels) { return pixels / 2 + pixels % 2; }
 std::int32_t Smaller(std::int32_t a, std::int32_t b) { return a < b ? a : b; }
 std::uint64_t Count(std::int32_t count) { return static_cast<std::uint64_t>(count); }
 
-void Add(const OpenChannels& counts, OpenChannels& all) {
+void Add(const OpenChannels& counts, LanePasses::OpenTotals& all) {
   all.coarse += counts.coarse;
   all.fine += counts.fine;
 }

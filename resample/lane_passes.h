@@ -31,8 +31,12 @@ class LanePasses {
   void FilterRow(const ContributionList& list, PixelLayout layout, std::uint32_t* result);
 
   // Channels that needed more than coarse weights, along rows and down columns.
-  const OpenChannels& OpenAlong() const { return openAlong_; }
-  const OpenChannels& OpenDown() const { return openDown_; }
+  struct OpenTotals {
+    std::int64_t coarse = 0;
+    std::int64_t fine = 0;
+  };
+  const OpenTotals& OpenAlong() const { return openAlong_; }
+  const OpenTotals& OpenDown() const { return openDown_; }
 
  private:
   static constexpr std::int32_t kBatchPairs = kLanes / 2;
@@ -70,5 +74,5 @@ class LanePasses {
   std::size_t blocks_ = 0;            // of eight columns, in a row
   std::int32_t batches_ = 0;          // that the ring has room for
   std::int32_t next_ = 0;             // the first batch that was not filtered yet
-  OpenChannels openAlong_, openDown_;
+  OpenTotals openAlong_, openDown_;
 };

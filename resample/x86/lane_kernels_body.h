@@ -82,16 +82,24 @@ struct AlongSource {
 // Columns as eight lanes, pairs of rows as pairs of taps.
 struct DownSource {
   const RingBlock* const* pairs;
-  std::size_t block;
+  std::size_t offset;  // of the block, in bytes
 
+  LANES_INLINE const RingBlock& BlockOf(std::int32_t pair) const {
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(pairs[pair]);
+    return *reinterpret_cast<const RingBlock*>(bytes + offset);
+  }
   LANES_INLINE Lanes At(std::int32_t pair, int channel) const {
-    return Widened(pairs[pair][block][channel]);
+    return Widened(BlockOf(pair)[channel]);
   }
   LANES_INLINE double Weighted(float weight, std::int32_t tap, int channel, int lane) const {
-    const std::uint8_t value = pairs[tap / 2][block][channel][2 * lane + tap % 2];
-    return static_cast<float>(value) * weight;
+    return static_cast<float>(BlockOf(tap / 2)[channel][2 * lane + tap % 2]) * weight;
   }
 };
+
+LANES_INLINE DownSource DownFrom(const RingBlock* const* pairs, const Piece& piece,
+                                 std::int32_t place) {
+  return {pairs, static_cast<std::size_t>(piece.first / kLanes + place) * sizeof(RingBlock)};
+}
 
 // Of one column the rows' channels: those of rows 0..3, then of rows 4..7, as Bytes has them.
 using ColumnBytes = std::uint8_t[4 * kLanes];
@@ -223,11 +231,15 @@ template <Rounding rounding, int fixedPairs, PixelLayout layout>
 LANES_FUNCTION void FilterDownPiece(const FixedWeights& list, const RingBlock* const* pairs,
                                     Piece piece, std::uint32_t* result, OpenList& open) {
   const LaneScale scale = ScaleOf(piece.bits);
-  for (std::int32_t i = 0; i < piece.count; i += kLanes) {
-    const DownSource source = {pairs, static_cast<std::size_t>((piece.first + i) / kLanes)};
+  DownSource source = DownFrom(pairs, piece, 0);
+  std::int32_t left = piece.count;
+  for (std::int32_t place = 0; left > 0; ++place) {
     const LaneChannels sums = CoarseSums<fixedPairs>(source, list.coarse, list.pairs);
-    const LaneChannels channels = ChannelsOf<rounding>(sums, *list.heads, scale, i / kLanes, open);
-    StoreWords(Words<layout>(channels), piece.count - i, result + i);
+    const LaneChannels channels = ChannelsOf<rounding>(sums, *list.heads, scale, place, open);
+    StoreWords(Words<layout>(channels), left, result);
+    source.offset += sizeof(RingBlock);
+    result += kLanes;
+    left -= kLanes;
   }
 }
 
@@ -246,16 +258,12 @@ LANES_FUNCTION void FilterDownBy(const FixedWeights& list, const RingBlock* cons
   }
 }
 
-// Eight words with one channel, 0 in the others, and a mask of its bytes.
+// The bits of a channel in opaque words.
 template <PixelLayout layout>
-LANES_INLINE Lanes ChannelWords(Lanes values, int channel, Lanes& mask) {
-  const std::uint32_t all[kChannels] = {
-      EncodeOpaque(layout, {255, 0, 0}) ^ EncodeOpaque(layout, {}),
-      EncodeOpaque(layout, {0, 255, 0}) ^ EncodeOpaque(layout, {}),
-      EncodeOpaque(layout, {0, 0, 255}) ^ EncodeOpaque(layout, {})};
-  mask = Broadcast(all[channel]);
-  return And(Woven(Bytes(values, values, values, values)), mask);
-}
+constexpr std::uint32_t kChannelBits[kChannels] = {
+    EncodeOpaque(layout, {255, 0, 0}) ^ EncodeOpaque(layout, {0, 0, 0}),
+    EncodeOpaque(layout, {0, 255, 0}) ^ EncodeOpaque(layout, {0, 0, 0}),
+    EncodeOpaque(layout, {0, 0, 255}) ^ EncodeOpaque(layout, {0, 0, 0})};
 
 // Decides the open channels of a piece, and writes them.
 template <PixelLayout layout>
@@ -265,10 +273,10 @@ LANES_FUNCTION OpenChannels DecideWords(const FixedWeights& list, const RingBloc
   open.Collect((piece.count + kLanes - 1) / kLanes);
   for (std::int32_t k = 0; k < open.Count(); ++k) {
     const OpenChannel next = open[k];
-    const DownSource source = {pairs, static_cast<std::size_t>(piece.first / kLanes + next.place)};
+    const DownSource source = DownFrom(pairs, piece, next.place);
     const Lanes values = Decided(source, list, ListAt(list, 0), next, counts);
-    Lanes mask;
-    const Lanes words = ChannelWords<layout>(values, next.channel, mask);
+    const Lanes mask = Broadcast(kChannelBits<layout>[next.channel]);
+    const Lanes words = And(Woven(Bytes(values, values, values, values)), mask);
     const std::int32_t x = next.place * kLanes;
     ReplaceWords(words, mask, piece.count - x, result + x);
   }

@@ -75,37 +75,39 @@ struct OpenChannel {
 class OpenList {
  public:
   LANES_INLINE void Put(std::int32_t place, int channel, Lanes upper, unsigned lanes) {
-    const std::int32_t index = place * kChannels + channel;
-    Store(uppers_[index], upper);
-    lanes_[index] = static_cast<std::uint8_t>(lanes);
+    Store(uppers_[channel][place], upper);
+    lanes_[channel][place] = static_cast<std::uint8_t>(lanes);
   }
 
   // Finds out which channels of the first `places` are open.
   LANES_FUNCTION void Collect(std::int32_t places) {
     count_ = 0;
-    const std::int32_t end = places * kChannels;
-    for (std::int32_t first = 0; first < end; first += 32) {
-      std::uint32_t open = NotZero(lanes_ + first);
-      if (end - first < 32) open &= (1U << (end - first)) - 1;
-      for (; open != 0; open &= open - 1) {
-        open_[count_++] = static_cast<std::uint8_t>(first + __builtin_ctz(open));
+    for (int channel = 0; channel < kChannels; ++channel) {
+      for (std::int32_t first = 0; first < places; first += kWord) {
+        std::uint32_t open = NotZero(lanes_[channel] + first);
+        if (places - first < kWord) open &= (1U << (places - first)) - 1;
+        for (; open != 0; open &= open - 1) {
+          const std::int32_t place = first + __builtin_ctz(open);
+          open_[count_++] = static_cast<std::uint8_t>(channel * kMostPlaces + place);
+        }
       }
     }
   }
   std::int32_t Count() const { return count_; }
   LANES_INLINE OpenChannel operator[](std::int32_t i) const {
-    const std::int32_t index = open_[i];
-    return {index / kChannels, index % kChannels, lanes_[index], Load(uppers_[index])};
+    const std::int32_t place = open_[i] % kMostPlaces;
+    const int channel = open_[i] / kMostPlaces;
+    return {place, channel, lanes_[channel][place], Load(uppers_[channel][place])};
   }
 
  private:
-  static constexpr std::int32_t kMost = kMostPlaces * kChannels;
-  static_assert(kMost % 32 == 0 && kMost <= 256, "whole vectors of bytes, counted by bytes");
+  static constexpr std::int32_t kWord = 32;
+  static_assert(kMostPlaces % kWord == 0 && kMostPlaces * kChannels <= 256, "counted by bytes");
 
   std::int32_t count_ = 0;
-  std::uint8_t open_[kMost];
-  alignas(32) std::uint8_t lanes_[kMost];
-  alignas(32) std::uint32_t uppers_[kMost][kLanes];
+  std::uint8_t open_[kMostPlaces * kChannels];
+  alignas(32) std::uint8_t lanes_[kChannels][kMostPlaces];
+  alignas(32) std::uint32_t uppers_[kChannels][kMostPlaces][kLanes];
 };
 
 // The channel that a coarse sum gives. Where it may be one less, it is open.
@@ -154,11 +156,10 @@ LANES_INLINE Lanes FineChannel(const Source& source, const FixedWeights& lists,
   return most;
 }
 
+constexpr std::int8_t kBits[16] = {0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4};
+
 // How many of eight bits are set.
-inline std::int32_t BitsIn(unsigned lanes) {
-  constexpr std::int8_t kBits[16] = {0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4};
-  return kBits[lanes & 15U] + kBits[lanes >> 4 & 15U];
-}
+inline std::int32_t BitsIn(unsigned lanes) { return kBits[lanes & 15U] + kBits[lanes >> 4 & 15U]; }
 
 // One channel by the definition.
 template <typename Source>
