@@ -32,6 +32,15 @@ Blocks Then(Blocks first, const Blocks& second) {
   return first;
 }
 
+std::size_t TakeFurther(const Blocks& blocks, std::vector<std::size_t>& sizes) {
+  if (blocks.further == 0 || sizes.size() <= blocks.further) return 0;
+  if (sizes.size() <= blocks.sizes.size()) return 0;
+  const auto place = sizes.begin() + static_cast<std::ptrdiff_t>(blocks.further);
+  const std::size_t size = *place;
+  sizes.erase(place);
+  return size;
+}
+
 Blocks SmoothBlocks(int sourceWidth, int width, int height) {
   const auto entries = static_cast<std::size_t>(std::max(width, height));
   const std::size_t rowEntries = std::max(entries, static_cast<std::size_t>(sourceWidth));
@@ -51,6 +60,7 @@ Blocks ScalingBlocks(int mode, int sourceWidth, int sourceHeight, int width, int
   Blocks blocks;
   blocks.sizes = {image, columns * kHeadBytes};
   blocks.sizes.insert(blocks.sizes.end(), columns, columnList);
+  blocks.further = blocks.sizes.size();
   if (rows > columns) blocks.sizes.push_back(rows * kHeadBytes);
   blocks.sizes.insert(blocks.sizes.end(), rows, rowList);
   const std::size_t first = columns * (kHeadBytes + columnList);
