@@ -22,7 +22,8 @@ class Room {
 
   template <typename T>
   T* For(std::uint64_t count) {
-    T* const place = block_ == nullptr ? nullptr : reinterpret_cast<T*>(block_ + used_);
+    T* const place =
+        block_ == nullptr ? nullptr : static_cast<T*>(static_cast<void*>(block_ + used_));
     used_ += (count * sizeof(T) + kLine - 1) / kLine * kLine;
     return place;
   }

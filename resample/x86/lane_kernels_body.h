@@ -35,8 +35,9 @@ LANES_INLINE void StoreFour(Lanes a, Lanes b, Lanes c, Lanes d, SpreadPair* pair
   StorePair<layout>(WeaveLow64(upperAb, upperCd), WeaveHigh64(upperAb, upperCd), pairs[1]);
 }
 
-constexpr std::int32_t kLineOfPixels = 16;
-constexpr std::int32_t kAhead = 8 * kLineOfPixels;  // what seemed best, of some that were tried
+inline constexpr std::int32_t kLineOfPixels = 16;
+inline constexpr std::int32_t kAhead =
+    8 * kLineOfPixels;  // what seemed best, of some that were tried
 
 template <PixelLayout layout>
 LANES_FUNCTION void SpreadAs(const std::uint32_t* const rows[kLanes], std::int32_t width,
@@ -62,10 +63,17 @@ LANES_FUNCTION void SpreadAs(const std::uint32_t* const rows[kLanes], std::int32
   }
 }
 
-void Spread(const std::uint32_t* const rows[kLanes], PixelLayout layout, std::int32_t width,
-            std::int32_t first, std::int32_t last, SpreadPair* pairs) {
-  WithLayout(layout,
-             [&](auto constant) { SpreadAs<constant.value>(rows, width, first, last, pairs); });
+LANES_FUNCTION void Spread(const std::uint32_t* const rows[kLanes], PixelLayout layout,
+                           std::int32_t width, std::int32_t first, std::int32_t last,
+                           SpreadPair* pairs) {
+  switch (layout) {
+    case PixelLayout::kRedFirst:
+      return SpreadAs<PixelLayout::kRedFirst>(rows, width, first, last, pairs);
+    case PixelLayout::kAlphaFirst:
+      return SpreadAs<PixelLayout::kAlphaFirst>(rows, width, first, last, pairs);
+    default:
+      return SpreadAs<PixelLayout::kBlueFirst>(rows, width, first, last, pairs);
+  }
 }
 
 // Rows as eight lanes, columns as pairs of taps.
@@ -92,7 +100,8 @@ struct DownSource {
     return Widened(BlockOf(pair)[channel]);
   }
   LANES_INLINE double Weighted(float weight, std::int32_t tap, int channel, int lane) const {
-    return static_cast<float>(BlockOf(tap / 2)[channel][2 * lane + tap % 2]) * weight;
+    const RingBlock& block = BlockOf(tap / 2);
+    return static_cast<float>(block[channel][2 * lane + tap % 2]) * weight;
   }
 };
 
@@ -260,7 +269,7 @@ LANES_FUNCTION void FilterDownBy(const FixedWeights& list, const RingBlock* cons
 
 // The bits of a channel in opaque words.
 template <PixelLayout layout>
-constexpr std::uint32_t kChannelBits[kChannels] = {
+inline constexpr std::uint32_t kChannelBits[kChannels] = {
     EncodeOpaque(layout, {255, 0, 0}) ^ EncodeOpaque(layout, {0, 0, 0}),
     EncodeOpaque(layout, {0, 255, 0}) ^ EncodeOpaque(layout, {0, 0, 0}),
     EncodeOpaque(layout, {0, 0, 255}) ^ EncodeOpaque(layout, {0, 0, 0})};
@@ -300,8 +309,8 @@ LANES_FUNCTION OpenChannels DownAs(const FixedWeights& list, const RingBlock* co
   }
 }
 
-OpenChannels Down(const FixedWeights& list, const RingBlock* const* pairs, Piece piece,
-                  PixelLayout layout, std::uint32_t* result) {
+LANES_FUNCTION OpenChannels Down(const FixedWeights& list, const RingBlock* const* pairs,
+                                 Piece piece, PixelLayout layout, std::uint32_t* result) {
   switch (layout) {
     case PixelLayout::kRedFirst:
       return DownAs<PixelLayout::kRedFirst>(list, pairs, piece, result);

@@ -156,7 +156,7 @@ LANES_INLINE Lanes FineChannel(const Source& source, const FixedWeights& lists,
   return most;
 }
 
-constexpr std::int8_t kBits[16] = {0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4};
+inline constexpr std::int8_t kBits[16] = {0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4};
 
 // How many of eight bits are set.
 inline std::int32_t BitsIn(unsigned lanes) { return kBits[lanes & 15U] + kBits[lanes >> 4 & 15U]; }

@@ -10,7 +10,7 @@
 #include "pixels/recolouring.h"
 #include "plugin/processor.h"
 
-#define LANES_FUNCTION VARNELL_AVX2
+#define LANES_FUNCTION VARNELL_AVX2 inline
 #define LANES_INLINE [[gnu::always_inline]] VARNELL_AVX2 inline
 
 namespace {

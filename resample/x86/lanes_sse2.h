@@ -9,7 +9,7 @@
 
 #include "pixels/recolouring.h"
 
-#define LANES_FUNCTION
+#define LANES_FUNCTION inline
 #define LANES_INLINE [[gnu::always_inline]] inline
 
 namespace {
