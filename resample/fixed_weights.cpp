@@ -78,16 +78,14 @@ Extremes ExtremesOf(const ContributionList& list) {
   return extremes;
 }
 
-// The finest scale at which weights have 16 bits and sums of 255·|n| have 29, for all lists that
-// have usual weights.
-std::int32_t BitsFor(const ContributionList* lists, std::int32_t count) {
+// The finest scale at which weights have 16 bits and sums of 255·|n| have 29. Any, for a list with
+// unusual weights.
+std::int32_t BitsFor(const ContributionList& list) {
+  const Extremes extremes = ExtremesOf(list);
   std::int32_t bits = kMostBits;
-  for (std::int32_t i = 0; i < count; ++i) {
-    const Extremes extremes = ExtremesOf(lists[i]);
-    while (extremes.AreUsual() && (extremes.weight * PowerOfTwo(bits) > 32766.0 ||
-                                   extremes.sum * PowerOfTwo(bits) > PowerOfTwo(21))) {
-      --bits;
-    }
+  while (extremes.AreUsual() && (extremes.weight * PowerOfTwo(bits) > 32766.0 ||
+                                 extremes.sum * PowerOfTwo(bits) > PowerOfTwo(21))) {
+    --bits;
   }
   return bits;
 }
@@ -210,13 +208,53 @@ void FixMeans(const ContributionList* lists, std::int32_t count, const FixedWeig
   for (std::int32_t i = 0; i < count; ++i) FixTaps(lists[i], 1.0, PlaceOf(fixed, i), none, none);
 }
 
+// Simple scales repeat their weights after a few lists. The lists' places must be known.
+std::int32_t TwinOf(const ContributionList* lists, std::int32_t index, const FixedWeights& fixed) {
+  constexpr std::int32_t kMost = 4;
+  for (std::int32_t before = 1; before <= kMost && before <= index; ++before) {
+    const std::int32_t moved = fixed.heads[index].firstPair - fixed.heads[index - before].firstPair;
+    const ContributionList& other = lists[index - before];
+    if (other.count == 0 || lists[index].count == 0) continue;
+    if (FirstPixel(lists[index]) - FirstPixel(other) == 2 * moved &&
+        AreTwins(lists[index], other)) {
+      return before;
+    }
+  }
+  return 0;
+}
+
+void CopyTwin(std::int32_t index, const FixedWeights& fixed) {
+  const Place place = PlaceOf(fixed, index);
+  FixedHead& head = *place.head;
+  const Place twin = PlaceOf(fixed, index - head.twin);
+  const auto pairs = static_cast<std::size_t>(fixed.pairs);
+  std::memcpy(place.coarse, twin.coarse, pairs * sizeof *place.coarse);
+  std::memcpy(place.fine, twin.fine, pairs * sizeof *place.fine);
+  std::memcpy(place.weights, twin.weights, 2 * pairs * sizeof *place.weights);
+  head.upper = twin.head->upper;
+  head.window = twin.head->window;
+  head.fineUpper = twin.head->fineUpper;
+  head.fineWindow = twin.head->fineWindow;
+}
+
 // A group's lists share a scale.
 void FixGroup(const ContributionList* lists, std::int32_t first, std::int32_t count,
               const FixedWeights& fixed) {
-  const std::int32_t bits = BitsFor(lists + first, count);
+  std::int32_t bits = kMostBits;
   for (std::int32_t i = first; i < first + count; ++i) {
-    fixed.heads[i].bits = bits;
-    FixList(lists[i], PlaceOf(fixed, i));
+    FixedHead& head = fixed.heads[i];
+    head.twin = TwinOf(lists, i, fixed);
+    head.ownBits = head.twin > 0 ? fixed.heads[i - head.twin].ownBits : BitsFor(lists[i]);
+    if (head.ownBits < bits) bits = head.ownBits;
+  }
+  for (std::int32_t i = first; i < first + count; ++i) {
+    FixedHead& head = fixed.heads[i];
+    head.bits = bits;
+    if (head.twin > 0 && fixed.heads[i - head.twin].bits == bits) {
+      CopyTwin(i, fixed);
+    } else {
+      FixList(lists[i], PlaceOf(fixed, i));
+    }
   }
 }
 
@@ -245,6 +283,17 @@ void FixWeights(const ContributionList* lists, std::int32_t count, std::int32_t 
   for (std::int32_t i = 0; i < count; i += kListGroup) {
     FixGroup(lists, i, count - i < kListGroup ? count - i : kListGroup, fixed);
   }
+}
+
+bool AreTwins(const ContributionList& a, const ContributionList& b) {
+  if (a.count == 0 || a.count != b.count || !(a.total == b.total)) return false;
+  const std::int32_t moved = FirstPixel(a) - FirstPixel(b);
+  if (moved % 2 != 0) return false;
+  for (std::int32_t k = 0; k < a.count; ++k) {
+    if (a.entries[k].weight != b.entries[k].weight) return false;
+    if (a.entries[k].pixel - b.entries[k].pixel != moved) return false;
+  }
+  return true;
 }
 
 Rounding RoundingOf(const FixedWeights& fixed, std::int32_t first, std::int32_t count) {

@@ -17,6 +17,8 @@ enum class Rounding {
 struct FixedHead {
   std::int32_t firstPair;  // of source pixels: the first weight is that of pixel 2·firstPair
   std::int32_t bits;       // at most 20; the same for every eight lists
+  std::int32_t ownBits;    // what the list would have alone
+  std::int32_t twin;       // how many lists before there is one with the same weights; 0: unknown
   std::int32_t upper;      // what coarse sums need to become upper bounds,
   std::int32_t window;     // and how much too high those may be: 0 for kExact and kMean
   std::int32_t fineUpper;  // the same for fine sums
@@ -57,6 +59,9 @@ std::int32_t WidestList(const ContributionList* lists, std::int32_t count);
 // every channel open.
 void FixWeights(const ContributionList* lists, std::int32_t count, std::int32_t sourceSize,
                 FixedWeights& fixed);
+
+// Whether two lists have the same weights, up to an even number of pixels.
+bool AreTwins(const ContributionList& a, const ContributionList& b);
 
 // How the channels of some of its lists come from their sums.
 Rounding RoundingOf(const FixedWeights& fixed, std::int32_t first, std::int32_t count);

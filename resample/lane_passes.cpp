@@ -50,7 +50,7 @@ std::uint64_t LanePasses::Place(char* block, char* ring, std::int32_t mostRowPai
   room.ForWeights(Count(width_), Count(columns_.pairs), columns_);
   pieces_ = room.For<Piece>(blocks_);
   copied_ = room.For<std::int32_t>(columnsAreCopies_ ? Count(width_) : 0);
-  room.ForWeights(1, Count(mostRowPairs), row_);
+  for (FixedWeights& row : row_) room.ForWeights(1, Count(mostRowPairs), row);
   rows_ = room.For<const RingBlock*>(Count(mostRowPairs));
   spread_ = room.For<SpreadPair>(Count(PairsOf(reader_->width)));
   ring_ = ring != nullptr ? reinterpret_cast<RingBlock*>(ring)
@@ -139,6 +139,19 @@ void LanePasses::FillRing(std::int32_t firstPair, std::int32_t lastPair) {
   for (; next_ * kBatchPairs <= lastPair; ++next_) FilterBatch(next_);
 }
 
+// Rows often have the weights of one a few rows before.
+FixedWeights& LanePasses::FixedRow(const ContributionList& list) {
+  for (int i = 0; i < kKnownRows; ++i) {
+    if (rowLists_[i] != nullptr && AreTwins(list, *rowLists_[i])) return row_[i];
+  }
+  const int place = nextRow_;
+  nextRow_ = (nextRow_ + 1) % kKnownRows;
+  rowLists_[place] = &list;
+  row_[place].pairs = WidestList(&list, 1);
+  FixWeights(&list, 1, reader_->height, row_[place]);
+  return row_[place];
+}
+
 void LanePasses::FilterRow(const ContributionList& list, PixelLayout layout,
                            std::uint32_t* result) {
   if (layout == PixelLayout::kNone) return;
@@ -152,13 +165,12 @@ void LanePasses::FilterRow(const ContributionList& list, PixelLayout layout,
                           width_, RecolouringOf(reader_->Layout(), layout), result);
   }
   const std::int32_t first = list.entries[0].pixel / 2;
-  row_.pairs = WidestList(&list, 1);
-  FixWeights(&list, 1, reader_->height, row_);
-  FillRing(first, first + row_.pairs - 1);
-  for (std::int32_t k = 0; k < row_.pairs; ++k) rows_[k] = Pair(first + k);
-  const Rounding rounding = RoundingOf(row_, 0, 1);
+  const FixedWeights& row = FixedRow(list);
+  FillRing(first, first + row.pairs - 1);
+  for (std::int32_t k = 0; k < row.pairs; ++k) rows_[k] = Pair(first + k);
+  const Rounding rounding = RoundingOf(row, 0, 1);
   for (std::int32_t x = 0; x < width_; x += kLongestDown) {
-    const Piece piece = {x, Smaller(width_ - x, kLongestDown), rounding, row_.heads->bits};
-    Add(kernels_->down(row_, rows_, piece, layout, result + x), openDown_);
+    const Piece piece = {x, Smaller(width_ - x, kLongestDown), rounding, row.heads->bits};
+    Add(kernels_->down(row, rows_, piece, layout, result + x), openDown_);
   }
 }

@@ -45,6 +45,7 @@ class LanePasses {
   std::uint64_t Place(char* block, char* ring, std::int32_t mostRowPairs);
   void CutPieces();
   void FindColumns(const ContributionLists& columns);
+  FixedWeights& FixedRow(const ContributionList& list);
   void FillRing(std::int32_t firstPair, std::int32_t lastPair);
   void FilterBatch(std::int32_t batch);
   RingBlock* Pair(std::int32_t pair) const {
@@ -65,14 +66,17 @@ class LanePasses {
   std::int32_t pieceCount_ = 0;
   std::int32_t* copied_ = nullptr;  // where all columns are copies, their source columns
   bool columnsAreCopies_ = false;
-  std::int32_t reaching_ = 0;         // so many of those have enough pixels after them for a kernel
-  FixedWeights row_ = {};             // of one result row
-  const RingBlock** rows_ = nullptr;  // the pairs of rows that it needs
-  SpreadPair* spread_ = nullptr;      // eight source rows, taken apart
-  RingBlock* ring_ = nullptr;         // batches of eight filtered rows
-  std::int32_t width_ = 0;            // of the result
-  std::size_t blocks_ = 0;            // of eight columns, in a row
-  std::int32_t batches_ = 0;          // that the ring has room for
-  std::int32_t next_ = 0;             // the first batch that was not filtered yet
+  std::int32_t reaching_ = 0;  // so many of those have enough pixels after them for a kernel
+  static constexpr int kKnownRows = 4;
+  FixedWeights row_[kKnownRows] = {};                  // of one result row each, and
+  const ContributionList* rowLists_[kKnownRows] = {};  // its list
+  int nextRow_ = 0;                                    // the one to be given up next
+  const RingBlock** rows_ = nullptr;                   // the pairs of rows that it needs
+  SpreadPair* spread_ = nullptr;                       // eight source rows, taken apart
+  RingBlock* ring_ = nullptr;                          // batches of eight filtered rows
+  std::int32_t width_ = 0;                             // of the result
+  std::size_t blocks_ = 0;                             // of eight columns, in a row
+  std::int32_t batches_ = 0;                           // that the ring has room for
+  std::int32_t next_ = 0;                              // the first batch that was not filtered yet
   OpenTotals openAlong_, openDown_;
 };
