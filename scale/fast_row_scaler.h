@@ -18,8 +18,10 @@ class FastRowScaler {
   bool IsVectorised() const { return kernels_ != nullptr; }
 
   // Makes one row of the result. A source row, by its address, that was also the last one must
-  // hold the same pixels as then, unless Settle came between.
-  void Scale(const std::uint32_t* source, std::uint32_t* result);
+  // hold the same pixels as then, unless Settle came between. `next`: the source row of the next
+  // call, if there is one already; its pixels come into the caches meanwhile, and nothing else.
+  void Scale(const std::uint32_t* source, std::uint32_t* result,
+             const std::uint32_t* next = nullptr);
 
   // To be called before other code may run: it may look at the rows made and change the source's.
   void Settle();
@@ -28,8 +30,9 @@ class FastRowScaler {
   static constexpr std::int32_t kPiece = 4096;  // pixels
 
   void FillColumns(std::int32_t first, std::int32_t count);
-  void Build(const std::uint32_t* source, std::int32_t first, std::int32_t count,
-             std::uint32_t* result) const;
+  void Average(const std::uint32_t* source, const std::uint32_t* next, std::uint32_t* result) const;
+  void Build(const std::uint32_t* source, const std::uint32_t* next, std::int32_t first,
+             std::int32_t count, std::uint32_t* result) const;
 
   RowTask task_;
   const FastRows* kernels_;

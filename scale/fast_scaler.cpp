@@ -9,14 +9,18 @@
 
 namespace {
 
+const std::uint32_t* SourceRow(const PictureEditor& source, const Blocks& blocks, std::int32_t j) {
+  const std::int32_t y0 = TruncateToInt32(j * blocks.yStep);
+  return reinterpret_cast<const std::uint32_t*>(source.RowAddress(y0));
+}
+
 void ScaleRows(const PictureEditor& source, PictureEditor& result, const Blocks& blocks,
                std::int32_t width, std::int32_t height) {
   FastRowScaler rows({blocks, source.width, width, source.Layout(), result.Layout()}, height,
                      ChosenVectorLevel());
   for (std::int32_t j = 0; j < height; ++j) {
-    const std::int32_t y0 = TruncateToInt32(j * blocks.yStep);
-    const auto* sourceRow = reinterpret_cast<const std::uint32_t*>(source.RowAddress(y0));
-    rows.Scale(sourceRow, result.cursor);
+    const std::uint32_t* next = j + 1 < height ? SourceRow(source, blocks, j + 1) : nullptr;
+    rows.Scale(SourceRow(source, blocks, j), result.cursor, next);
     result.GoToRow(j + 1);
     if (yield.period != 0) rows.Settle();
     yield.YieldPoint();

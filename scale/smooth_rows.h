@@ -37,6 +37,11 @@ const SmoothRows& SmoothRowsFor(VectorLevel level, std::int32_t sourceWidth, std
 //  rounds
 //    a value of at most 3. So a blend of rows is between -0.001 and 255.001, and the value that is
 //    truncated, which has the half and one more blend, between 0.49 and 255.51.
+//  - That for AVX2 does not blend a byte which is the same value c in all pixels of both rows. Its
+//    value before truncation is between c + 0.49 and c + 0.51 by the same reckoning.
+//  - Nor does it read the weights of the columns themselves: such a weight is 1 minus the next
+//    column's to the bit, since WeightsFor adds the difference of the same two products to 0 and,
+//    with the other sign, to 1.
 extern const SmoothRows kSmoothRowsScalar;
 #if defined(__i386__) || defined(__x86_64__)
 extern const SmoothRows kSmoothRowsSse2;

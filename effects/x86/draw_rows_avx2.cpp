@@ -46,9 +46,9 @@ VARNELL_AVX2 void SetPart(Part& part, const std::uint32_t* pixels, const FixedSh
   }
 }
 
-VARNELL_AVX2 inline Vector Products(const Part& part, Vector channels, bool plain) {
+VARNELL_AVX2 inline Vector Products(const Part& part, Vector channels) {
   Vector products = _mm256_mulhi_epu16(channels, part.multiplier);
-  if (plain) return products;
+  if (part.plain) return products;
   products = _mm256_add_epi16(products, _mm256_and_si256(channels, part.whole));
   for (int i = 0; i < part.patches; ++i) {
     const Vector patched = _mm256_cmpeq_epi16(channels, part.value[i]);
@@ -62,12 +62,12 @@ struct Sums {
   Vector even, odd;
 };
 
-VARNELL_AVX2 inline void AddPart(Sums& sums, const Part& part, std::size_t pixel, bool plain) {
+VARNELL_AVX2 inline void AddPart(Sums& sums, const Part& part, std::size_t pixel) {
   const Vector words = Load(part.pixels + pixel);
   const Vector even = _mm256_and_si256(words, Words(0x00FF00FF));
   const Vector odd = _mm256_srli_epi16(words, 8);
-  sums.even = _mm256_add_epi16(sums.even, Products(part, even, plain));
-  sums.odd = _mm256_add_epi16(sums.odd, Products(part, odd, plain));
+  sums.even = _mm256_add_epi16(sums.even, Products(part, even));
+  sums.odd = _mm256_add_epi16(sums.odd, Products(part, odd));
 }
 
 VARNELL_AVX2 inline void Move(Sums& sums, const ChannelMoves& moves) {
@@ -88,30 +88,88 @@ struct Parts {
   Vector colour, opaque;
 };
 
-// kCommon: all four samples and the rest count, and for each a multiplier is all.
-template <bool kCommon>
-VARNELL_AVX2 inline void DrawVector(std::uint32_t* dest, const Parts& parts, std::size_t pixel) {
-  Sums sums = {_mm256_setzero_si256(), _mm256_setzero_si256()};
-  if (kCommon) {
-    for (const Part& part : parts.samples) AddPart(sums, part, pixel, true);
-  } else {
-    for (int i = 0; i < parts.count; ++i)
-      AddPart(sums, parts.samples[i], pixel, parts.samples[i].plain);
-  }
-  if (parts.moves.any) Move(sums, parts.moves);
-  if (kCommon) {
-    AddPart(sums, parts.rest, pixel, true);
-  } else if (parts.hasRest) {
-    AddPart(sums, parts.rest, pixel, parts.rest.plain);
-  }
+VARNELL_AVX2 inline Vector WordsOf(const Sums& sums, Vector colour, Vector opaque) {
   const Vector even = _mm256_min_epu16(sums.even, Halves(255));
   const Vector odd = _mm256_slli_epi16(_mm256_min_epu16(sums.odd, Halves(255)), 8);
-  const Vector words = _mm256_and_si256(_mm256_or_si256(even, odd), parts.colour);
-  Store(dest + pixel, _mm256_or_si256(words, parts.opaque));
+  return _mm256_or_si256(_mm256_and_si256(_mm256_or_si256(even, odd), colour), opaque);
+}
+
+VARNELL_AVX2 inline void DrawVector(std::uint32_t* dest, const Parts& parts, std::size_t pixel) {
+  Sums sums = {_mm256_setzero_si256(), _mm256_setzero_si256()};
+  for (int i = 0; i < parts.count; ++i) AddPart(sums, parts.samples[i], pixel);
+  if (parts.moves.any) Move(sums, parts.moves);
+  if (parts.hasRest) AddPart(sums, parts.rest, pixel);
+  Store(dest + pixel, WordsOf(sums, parts.colour, parts.opaque));
+}
+
+// A blend to which all four samples count, and for each of them and the rest a multiplier is all.
+struct PlainBlend {
+  Vector multipliers[kCorners + 1];
+  ChannelMoves moves;
+  Vector colour, opaque;
+};
+
+// Nothing saturates here; but compilers keep such sums in order, and fewer registers are enough.
+VARNELL_AVX2 inline void AddPlain(Sums& sums, Vector words, const Vector& multiplier) {
+  const Vector even = _mm256_and_si256(words, Words(0x00FF00FF));
+  sums.even = _mm256_adds_epu16(sums.even, _mm256_mulhi_epu16(even, multiplier));
+  const Vector odd = _mm256_srli_epi16(words, 8);
+  sums.odd = _mm256_adds_epu16(sums.odd, _mm256_mulhi_epu16(odd, multiplier));
+}
+
+// Eight pixels, or with kWhole false those that `lanes` says.
+template <bool kWhole>
+VARNELL_AVX2 inline Vector LoadLanes(const std::uint32_t* pixels, Vector lanes) {
+  return kWhole ? Load(pixels) : _mm256_maskload_epi32(reinterpret_cast<const int*>(pixels), lanes);
+}
+
+template <bool kWhole>
+VARNELL_AVX2 inline void DrawPlain(std::uint32_t* dest, const PlainBlend& blend,
+                                   const std::uint32_t* upper, const std::uint32_t* lower,
+                                   Vector lanes) {
+  Sums sums = {_mm256_setzero_si256(), _mm256_setzero_si256()};
+  AddPlain(sums, LoadLanes<kWhole>(upper, lanes), blend.multipliers[kUpperLeft]);
+  AddPlain(sums, LoadLanes<kWhole>(upper + 1, lanes), blend.multipliers[kUpperRight]);
+  AddPlain(sums, LoadLanes<kWhole>(lower + 1, lanes), blend.multipliers[kLowerRight]);
+  AddPlain(sums, LoadLanes<kWhole>(lower, lanes), blend.multipliers[kLowerLeft]);
+  if (blend.moves.any) Move(sums, blend.moves);
+  AddPlain(sums, LoadLanes<kWhole>(dest, lanes), blend.multipliers[kCorners]);
+  const Vector words = WordsOf(sums, blend.colour, blend.opaque);
+  if (kWhole) {
+    Store(dest, words);
+  } else {
+    _mm256_maskstore_epi32(reinterpret_cast<int*>(dest), lanes, words);
+  }
+}
+
+bool IsPlain(const FixedBlend& blend) {
+  bool plain = blend.rest.patches == 0 && blend.rest.whole == 0;
+  for (const FixedShare& corner : blend.corners) {
+    plain = plain && corner.patches == 0 && corner.whole == 0 && !corner.Nothing();
+  }
+  return plain;
+}
+
+VARNELL_AVX2 void BlendPlain(std::uint32_t* dest, const FixedBlend& shares,
+                             const Neighbours& source, std::size_t count) {
+  const OpaqueBits bits(shares.dest);
+  PlainBlend blend = {{}, {shares.source, shares.dest}, Words(bits.colour), Words(bits.opaque)};
+  for (int i = 0; i < kCorners; ++i) blend.multipliers[i] = Halves(shares.corners[i].multiplier);
+  blend.multipliers[kCorners] = Halves(shares.rest.multiplier);
+  const Vector all = Words(0xFFFFFFFF);
+  std::size_t i = 0;
+  for (; i + kPixels <= count; i += kPixels) {
+    DrawPlain<true>(dest + i, blend, source.upper + i, source.lower + i, all);
+  }
+  if (i == count) return;
+  const Vector lanes = _mm256_cmpgt_epi32(Words(static_cast<std::uint32_t>(count - i)),
+                                          _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
+  DrawPlain<false>(dest + i, blend, source.upper + i, source.lower + i, lanes);
 }
 
 VARNELL_AVX2 void BlendFixed(std::uint32_t* dest, const FixedBlend& blend, const Neighbours& source,
                              std::size_t count) {
+  if (IsPlain(blend)) return BlendPlain(dest, blend, source, count);
   const OpaqueBits bits(blend.dest);
   Parts parts = {{},
                  0,
@@ -127,14 +185,8 @@ VARNELL_AVX2 void BlendFixed(std::uint32_t* dest, const FixedBlend& blend, const
     SetPart(parts.samples[parts.count++], pixels[corner], blend.corners[corner]);
   }
   SetPart(parts.rest, dest, blend.rest);
-  bool common = parts.count == kCorners && parts.hasRest && parts.rest.plain;
-  for (int i = 0; i < parts.count; ++i) common = common && parts.samples[i].plain;
   std::size_t pixel = 0;
-  if (common) {
-    for (; pixel + kPixels <= count; pixel += kPixels) DrawVector<true>(dest, parts, pixel);
-  } else {
-    for (; pixel + kPixels <= count; pixel += kPixels) DrawVector<false>(dest, parts, pixel);
-  }
+  for (; pixel + kPixels <= count; pixel += kPixels) DrawVector(dest, parts, pixel);
   if (pixel == count) return;
   // The last few in a copy, since a whole vector would touch what lies behind the rows.
   std::uint32_t copies[kCorners + 1][kPixels] = {};
@@ -145,7 +197,7 @@ VARNELL_AVX2 void BlendFixed(std::uint32_t* dest, const FixedBlend& blend, const
   }
   std::memcpy(copies[kCorners], dest + pixel, size);
   parts.rest.pixels = copies[kCorners];
-  DrawVector<false>(copies[kCorners], parts, 0);
+  DrawVector(copies[kCorners], parts, 0);
   std::memcpy(dest + pixel, copies[kCorners], size);
 }
 

@@ -257,6 +257,25 @@ TEST(FastRows, ColumnsAreTheTruncatedProducts) {
   }
 }
 
+// The next row is only asked for, and any address will do.
+TEST(FastRows, AreTheSameWhateverTheNextRowIs) {
+  Random random(30104008);
+  for (VectorLevel level : Levels()) {
+    for (const int sourceWidth : {37, 700, 9000, 40000}) {
+      const Trial trial(random, Task(sourceWidth, 290, 3, 2), Contents::kNoise);
+      ScaleRowAsDefined(trial.task, Words(trial.source), Words(trial.expected));
+      const auto* inaccessible = reinterpret_cast<const std::uint32_t*>(std::uintptr_t{64});
+      const std::uint32_t* own = Words(trial.source);
+      for (const std::uint32_t* next : {own, own + sourceWidth, inaccessible}) {
+        std::memset(trial.made.Data(), 0x5A, trial.made.Size());
+        FastRowScaler rows(trial.task, 2, level);
+        rows.Scale(Words(trial.source), Words(trial.made), next);
+        EXPECT_EQ(std::memcmp(trial.expected.Data(), trial.made.Data(), trial.made.Size()), 0);
+      }
+    }
+  }
+}
+
 // Enlarged rows that come from one source row are made once; a row that may have changed is not
 // one of them.
 TEST(FastRows, RowsAreMadeAnewAfterOtherCodeRan) {

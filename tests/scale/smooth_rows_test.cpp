@@ -23,9 +23,10 @@ std::vector<const SmoothRows*> Variants() {
   return variants;
 }
 
-enum class Contents { kNoise, kBlack, kWhite, kBlackAndWhite };
-constexpr Contents kAllContents[] = {Contents::kNoise, Contents::kBlack, Contents::kWhite,
-                                     Contents::kBlackAndWhite};
+enum class Contents { kNoise, kBlack, kWhite, kBlackAndWhite, kOpaque, kSameFirstByte };
+constexpr Contents kAllContents[] = {Contents::kNoise,  Contents::kBlack,
+                                     Contents::kWhite,  Contents::kBlackAndWhite,
+                                     Contents::kOpaque, Contents::kSameFirstByte};
 
 std::uint32_t Pixel(Random& random, Contents contents) {
   const std::uint32_t noise = random.Word();
@@ -38,6 +39,10 @@ std::uint32_t Pixel(Random& random, Contents contents) {
       return 0xFFFFFFFF;
     case Contents::kBlackAndWhite:
       return (noise & 0x01010101) * 255;
+    case Contents::kOpaque:
+      return noise | 0xFF000000;
+    case Contents::kSameFirstByte:
+      return (noise & 0xFFFFFF00) | 0x9B;
   }
   return 0;
 }
@@ -122,7 +127,7 @@ TEST(SmoothRows, AreTheSameAtEveryLevelForEveryNarrowSource) {
                           4 * s,     4 * s + 1, 8 * s,     random.Between(s, 9 * s)};
     for (int width : widths) {
       if (width < sourceWidth) continue;
-      const Contents contents = kAllContents[random.Between(0, 3)];
+      const Contents contents = kAllContents[random.Between(0, 5)];
       const Source source(random, sourceWidth, contents);
       // 12 rows of which are three quarters, halves and quarters of the way; 10 are thirds or
       // tenths.
@@ -162,6 +167,39 @@ TEST(SmoothRows, AreTheSameAtEveryLevelJustBeforeThePixel) {
     const Source source(random, 3, contents);
     ExpectSameAtAllLevels(random, source, 32767, 5);
     ExpectSameAtAllLevels(random, source, 40000, 60);
+  }
+}
+
+// A byte that is the same in all pixels but one, wherever that is.
+TEST(SmoothRows, AreTheSameAtEveryLevelWhereOnePixelDiffersInAByte) {
+  Random random(32006);
+  for (int sourceWidth = 1; sourceWidth <= 35; ++sourceWidth) {
+    for (const Contents contents : {Contents::kOpaque, Contents::kSameFirstByte}) {
+      for (int x = 0; x < sourceWidth; ++x) {
+        Source source(random, sourceWidth, contents);
+        const std::size_t byte = contents == Contents::kOpaque ? 3 : 0;
+        const int y = random.Between(0, kSourceHeight - 1);
+        source.rows[static_cast<std::size_t>(y)].Data()[Bytes(x) + byte] ^= 0x40;
+        ExpectSameAtAllLevels(random, source, sourceWidth * 37 / 10 + 1, 7);
+      }
+    }
+  }
+}
+
+// Bytes of every value that are the same in all pixels come out the same.
+TEST(SmoothRows, KeepABytesOnlyValue) {
+  Random random(32007);
+  for (int value = 0; value < 256; ++value) {
+    Source source(random, 9, Contents::kNoise);
+    for (auto& row : source.rows) {
+      for (std::size_t i = 3; i < Bytes(9); i += 4)
+        row.Data()[i] = static_cast<unsigned char>(value);
+    }
+    const std::string expected = Enlarge(kSmoothRowsScalar, source, 97, 89, host::Guard::kNone);
+    for (std::size_t i = 3; i < expected.size(); i += 4) {
+      ASSERT_EQ(static_cast<unsigned char>(expected[i]), value);
+    }
+    ExpectSameAtAllLevels(random, source, 97, 89);
   }
 }
 

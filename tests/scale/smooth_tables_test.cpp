@@ -45,7 +45,7 @@ TEST(SmoothTables, WeightsOfThreeTenthsRoundInTheirOrder) {
   EXPECT_EQ(weights.entry[2], (2.0F * t3 - 3.0F * t2) + 1.0F);
 }
 
-// What lets blends go without clamping.
+// What lets blends go without clamping, and without one of the two weights.
 TEST(SmoothTables, WeightsAreWithinAMillionthOfTheSmoothstep) {
   constexpr std::uint32_t kBitsOfOne = 0x3F800000;
   const auto check = [](std::uint32_t bits) {
@@ -55,7 +55,8 @@ TEST(SmoothTables, WeightsAreWithinAMillionthOfTheSmoothstep) {
     const TapWeights weights = WeightsFor(t);
     const bool close = std::abs(weights.entry[1] - exact) < 0x1p-20 &&
                        std::abs(weights.entry[2] - (1 - exact)) < 0x1p-20;
-    return close && weights.entry[1] >= 0 && !std::signbit(weights.entry[1]);
+    const bool complements = weights.entry[2] == 1.0F - weights.entry[1];
+    return close && complements && weights.entry[1] >= 0 && !std::signbit(weights.entry[1]);
   };
   for (std::uint32_t bits = 0; bits < kBitsOfOne; bits += 997) ASSERT_TRUE(check(bits)) << bits;
   for (std::uint32_t below = 1; below < 1000000; ++below) {
