@@ -32,7 +32,8 @@ double ReciprocalOf(const ContributionList& list) { return 1.0 / static_cast<dou
 // at least 1/4 / kWidestMean away from the integers next to it, and off by less than 2^-14.
 bool IsMean(const ContributionList& list) {
   if (list.count == 0) return true;
-  if (list.count > kWidestMean || LastPixel(list) - FirstPixel(list) != list.count - 1) {
+  if (list.count > kWidestMean || static_cast<double>(list.total) != list.count ||
+      LastPixel(list) - FirstPixel(list) != list.count - 1) {
     return false;
   }
   for (std::int32_t k = 0; k < list.count; ++k) {
@@ -78,13 +79,14 @@ Extremes ExtremesOf(const ContributionList& list) {
   return extremes;
 }
 
-// The finest scale at which weights have 16 bits and sums of 255·|n| have 29. Any, for a list with
-// unusual weights.
+// The finest scale at which weights have 16 bits and sums of 255·|n| have 29. For unusual weights
+// one at which the fine window of LeaveOpen is wider than a channel.
 std::int32_t BitsFor(const ContributionList& list) {
   const Extremes extremes = ExtremesOf(list);
+  if (!extremes.AreUsual()) return kMostFineBits;
   std::int32_t bits = kMostBits;
-  while (extremes.AreUsual() && (extremes.weight * PowerOfTwo(bits) > 32766.0 ||
-                                 extremes.sum * PowerOfTwo(bits) > PowerOfTwo(21))) {
+  while (extremes.weight * PowerOfTwo(bits) > 32766.0 ||
+         extremes.sum * PowerOfTwo(bits) > PowerOfTwo(21)) {
     --bits;
   }
   return bits;

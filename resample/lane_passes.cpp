@@ -13,6 +13,22 @@ void Add(const OpenChannels& counts, LanePasses::OpenTotals& all) {
   all.fine += counts.fine;
 }
 
+// Whether a list takes over one pixel as it is.
+bool IsCopy(const ContributionList& list) {
+  return list.count == 1 && list.entries[0].weight == 1.0F && list.total == 1.0F;
+}
+
+// Whether all lists do, of pixels that follow each other or repeat.
+bool AreCopies(const ContributionLists& lists) {
+  for (std::int32_t i = 0; i < lists.Count(); ++i) {
+    if (!IsCopy(lists[i])) return false;
+    const std::int32_t before = lists[i > 0 ? i - 1 : i].entries[0].pixel;
+    const std::int32_t step = lists[i].entries[0].pixel - before;
+    if (step < 0 || step > 1) return false;
+  }
+  return true;
+}
+
 // Cuts a block into arrays, each on cache lines of its own; without a block it only adds up.
 class Room {
  public:
@@ -65,16 +81,11 @@ bool LanePasses::Prepare(const PictureReader& reader, const ContributionLists& c
   reader_ = &reader;
   width_ = columns.Count();
   columns_.pairs = WidestList(&columns[0], width_);
-  columnsAreCopies_ = true;
-  for (std::int32_t x = 0; x < width_; ++x) {
-    columnsAreCopies_ =
-        columnsAreCopies_ && IsCopy(columns[x]) &&
-        (x == 0 || columns[x].entries[0].pixel - columns[x - 1].entries[0].pixel <= 1);
-  }
+  columnsAreCopies_ = AreCopies(columns);
   blocks_ = static_cast<std::size_t>(width_ / kLanes) + (width_ % kLanes > 0 ? 1 : 0);
   const std::int32_t rowPairs = Smaller(span / 2 + 1, PairsOf(reader.height));
-  // As many as the pairs of one row may touch.
-  batches_ = (rowPairs + kBatchPairs - 2) / kBatchPairs + 1;
+  // As many as the pairs of one row may touch, with the one before them.
+  batches_ = (rowPairs + 1 + kBatchPairs - 2) / kBatchPairs + 1;
   const std::uint64_t imageBytes = Count(width_) * Count(reader.height) * 4;
   const std::uint64_t ringBytes = Count(batches_ * kBatchPairs) * blocks_ * sizeof(RingBlock);
   char* const ring = ringBytes <= imageBytes ? static_cast<char*>(image) : nullptr;
@@ -135,7 +146,9 @@ void LanePasses::FilterBatch(std::int32_t batch) {
 }
 
 void LanePasses::FillRing(std::int32_t firstPair, std::int32_t lastPair) {
-  if (next_ < firstPair / kBatchPairs) next_ = firstPair / kBatchPairs;
+  // A later row may need one pair before this one's.
+  const std::int32_t first = firstPair > 0 ? (firstPair - 1) / kBatchPairs : 0;
+  if (next_ < first) next_ = first;
   for (; next_ * kBatchPairs <= lastPair; ++next_) FilterBatch(next_);
 }
 

@@ -27,7 +27,8 @@ class LanePasses {
   explicit operator bool() const { return static_cast<bool>(block_); }
 
   // Filters one row of the result, one opaque word in `layout` for each column. The rows' lists
-  // must move on, none reaching back before the one before it. Nothing is written for kNone.
+  // must be kept, and move on: none may reach back by more than two pixels before the ones before
+  // it. Nothing is written for kNone.
   void FilterRow(const ContributionList& list, PixelLayout layout, std::uint32_t* result);
 
   // Channels that needed more than coarse weights, along rows and down columns.
@@ -51,11 +52,6 @@ class LanePasses {
   RingBlock* Pair(std::int32_t pair) const {
     const std::int32_t place = pair % (kBatchPairs * batches_);
     return ring_ + static_cast<std::size_t>(place) * blocks_;
-  }
-
-  // Whether a list takes over one pixel as it is.
-  static bool IsCopy(const ContributionList& list) {
-    return list.count == 1 && list.entries[0].weight == 1.0F;
   }
 
   const LaneKernels* kernels_ = nullptr;

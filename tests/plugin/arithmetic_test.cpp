@@ -51,6 +51,51 @@ TEST(TruncateToInt32, TruncatesTowardZeroAndAnswersTheLeastIntegerForWhatDoesNot
   }
 }
 
+TEST(FloorToInt32, RoundsDownAndAnswersTheLeastIntegerForWhatDoesNotFit) {
+  const ToInt32Case cases[] = {
+      {0.0, 0},
+      {-0.0, 0},
+      {0.999999, 0},
+      {5e-324, 0},
+      {-5e-324, -1},
+      {-0.25, -1},
+      {-0.999999, -1},
+      {-1.0, -1},
+      {-1.0000000000000002, -2},
+      {-1.5, -2},
+      {1.0, 1},
+      {254.9999, 254},
+      {-254.0001, -255},
+      {2147483646.5, 2147483646},
+      {2147483647.0, 2147483647},
+      {2147483647.5, 2147483647},
+      {2147483648.0, kLeast},
+      {4294967296.0, kLeast},
+      {-2147483646.5, -2147483647},
+      {-2147483647.0, -2147483647},
+      {-2147483647.5, kLeast},
+      {-2147483648.0, kLeast},
+      {-2147483648.5, kLeast},
+      {-2147483649.0, kLeast},
+      {-4294967295.5, kLeast},
+      {1e300, kLeast},
+      {-1e300, kLeast},
+      {kInfinity, kLeast},
+      {-kInfinity, kLeast},
+      {kNan, kLeast},
+      {-kNan, kLeast},
+  };
+  for (const ToInt32Case& row : cases) {
+    EXPECT_EQ(FloorToInt32(row.value), row.expected) << row.value;
+  }
+}
+
+TEST(FloorToInt32, IsTheTruncatedFloorBetweenItsBounds) {
+  for (double value = -70.0; value <= 70.0; value += 0.03125) {
+    EXPECT_EQ(FloorToInt32(value), static_cast<std::int32_t>(std::floor(value))) << value;
+  }
+}
+
 struct ToByteCase {
   float value;
   int expected;

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "resample/kernels.h"
@@ -203,6 +204,37 @@ TEST(ContributionLists, HaveRoomForAllTaps) {
     ExpectRoomForAllTaps<MitchellFilter>(axis);
     ExpectRoomForAllTaps<BicubicFilter>(axis);
     ExpectRoomForAllTaps<Cubic6Filter>(axis);
+  }
+}
+
+// Where a kernel is 0 at whole distances, a list can be a single tap between lists that reach
+// farther to both sides.
+template <typename Filter>
+int FarthestStepBack(Axis axis) {
+  int farthest = 0;
+  for (int source = 1; source <= 20; ++source) {
+    for (int result = 1; result <= 100; ++result) {
+      const Built<Filter> lists(source, result, axis);
+      int most = 0;  // of the first pixels so far
+      for (int i = 0; i < result; ++i) {
+        const int first = lists[i].entries[0].pixel;
+        most = std::max(most, first);
+        farthest = std::max(farthest, most - first);
+      }
+    }
+  }
+  return farthest;
+}
+
+TEST(ContributionLists, ReachBackBeforeListsBeforeThemByAtMostTwoPixels) {
+  for (const Axis axis : {Axis::kAlongRows, Axis::kDownColumns}) {
+    EXPECT_EQ(FarthestStepBack<TriangleFilter>(axis), 0);
+    EXPECT_EQ(FarthestStepBack<BoxFilter>(axis), 0);
+    EXPECT_EQ(FarthestStepBack<Lanczos3Filter>(axis), 0);
+    EXPECT_EQ(FarthestStepBack<Lanczos8Filter>(axis), 0);
+    EXPECT_EQ(FarthestStepBack<MitchellFilter>(axis), 1);
+    EXPECT_EQ(FarthestStepBack<BicubicFilter>(axis), 1);
+    EXPECT_EQ(FarthestStepBack<Cubic6Filter>(axis), 2);
   }
 }
 

@@ -1,9 +1,8 @@
-// The method ScalingZVQ as a host calls it: results worked out by hand, refusals, yields, memory.
+// The method ScalingZVQ as a host calls it: results worked out by hand, refusals, yields.
 #include <gtest/gtest.h>
 
 #include <utility>
 
-#include "resample/contributions.h"
 #include "tests/support/allocation_faults.h"
 #include "tests/support/case_name.h"
 #include "tests/support/pictures.h"
@@ -265,86 +264,6 @@ TEST(ScalingZVQ, ReleasesTheSourceThenYieldsThenReleasesTheRest) {
             "unlockPictureDescription(Picture#1)\n"
             "REALUnlockObject(Picture#1)\n"
             "REALYieldToRB()\n");
-}
-
-// 3×2 -> 4×5 by the triangle: 8 lists of at most 4 taps along rows, then the heads again because 5
-// > 4.
-TEST(ScalingZVQ, RequestsItsBlocksInOrder) {
-  support::LoadedPlugin plugin;
-  host::Picture* source = plugin.Host().NewPicture({.width = 3, .height = 2});
-  const std::vector<host::Value> arguments = {1, 4, 5, 0};
-  std::vector<std::size_t> sizes;
-  {
-    const support::AllocationWatch watch;
-    plugin.Library().Call("ScalingZVQ", source, arguments);
-    sizes = watch.Sizes();
-  }
-  std::vector<std::size_t> expected = {4 * 4 * 2, 4 * sizeof(ContributionList)};
-  expected.insert(expected.end(), 4, 4 * 8);
-  expected.push_back(5 * sizeof(ContributionList));
-  expected.insert(expected.end(), 5, 4 * 8);
-  EXPECT_EQ(sizes, expected);
-}
-
-TEST(ScalingZVQ, GivesBackAllItsMemoryWhicheverBlockFails) {
-  support::LoadedPlugin plugin;
-  host::Picture* source = plugin.Host().NewPicture({.width = 3, .height = 2});
-  const std::vector<host::Value> arguments = {1, 4, 5, 0};
-  for (int failing = 0; failing <= 2 + 4 + 1 + 5; ++failing) {
-    for (const bool andLater : {false, true}) {
-      const support::AllocationWatch watch(failing, andLater);
-      plugin.Library().Call("ScalingZVQ", source, arguments);
-      EXPECT_EQ(watch.LiveBlocks(), 0) << failing;
-    }
-  }
-}
-
-TEST(ScalingZVQ, AMissingImageOrHeadArrayGivesNil) {
-  struct Row {
-    int failing, yields;
-  };
-  // The image, the heads along rows (1 list + 1 + 2 taps), the larger heads down columns.
-  for (const Row& row : {Row{1, 0}, {2, 0}, {5, 3}}) {
-    support::LoadedPlugin plugin;
-    const support::RushingClock clock;
-    host::Picture* source = plugin.Host().NewPicture({.width = 3, .height = 2});
-    const std::vector<host::Value> arguments = {1, 2, 5, 1};
-    host::CallReport report;
-    {
-      const support::AllocationWatch watch(row.failing);
-      report = plugin.Library().Call("ScalingZVQ", source, arguments);
-    }
-    EXPECT_EQ(report.ResultPicture(), nullptr) << row.failing;
-    EXPECT_EQ(support::Complaints(report), "");
-    EXPECT_EQ(plugin.Host().Yields(), row.yields);
-  }
-}
-
-TEST(ScalingZVQ, AMissingTapListMakesItsPixelsBlack) {
-  support::LoadedPlugin plugin({.newPixelFormat = 5});
-  host::Picture* source = support::PictureOf(plugin.Host(), oracle::NewImage(3, 3, 5, 0x00646464));
-  const std::vector<host::Value> arguments = {2, 3, 3, 0};
-  host::CallReport report;
-  {
-    // Image, heads, then three lists along rows: the middle column's; and three down columns: the
-    // last row's.
-    const support::AllocationWatch watch(4);
-    report = plugin.Library().Call("ScalingZVQ", source, arguments);
-  }
-  ASSERT_NE(report.ResultPicture(), nullptr);
-  for (int y = 0; y < 3; ++y) {
-    EXPECT_EQ(report.ResultPicture()->Word(0, y), 0xFF646464);
-    EXPECT_EQ(report.ResultPicture()->Word(1, y), 0xFF000000);
-  }
-  {
-    const support::AllocationWatch watch(8);
-    report = plugin.Library().Call("ScalingZVQ", source, arguments);
-  }
-  ASSERT_NE(report.ResultPicture(), nullptr);
-  for (int x = 0; x < 3; ++x) {
-    EXPECT_EQ(report.ResultPicture()->Word(x, 1), 0xFF646464);
-    EXPECT_EQ(report.ResultPicture()->Word(x, 2), 0xFF000000);
-  }
 }
 
 TEST(ScalingZVQ, AHostExceptionPassesOutOfEveryYield) {

@@ -1,5 +1,6 @@
 #include "tests/torture/due.h"
 
+#include "plugin/processor.h"
 #include "tests/oracles/blur.h"
 #include "tests/oracles/draw_picture.h"
 #include "tests/oracles/fast_scale.h"
@@ -270,15 +271,17 @@ Due DueOutcomes::WithoutAllocation(int number, bool andLater) const {
   return due;
 }
 
-// In this order: the intermediate picture, the list heads, one list for each column, new heads when
-// there are more rows than columns, one list for each row. A pixel without a list is black.
+// In this order: the intermediate picture, the list heads, one list for each column, with vector
+// instructions a block that nothing but speed depends on, new heads when there are more rows than
+// columns, one list for each row. A pixel without a list is black.
 Due DueOutcomes::ShortOfTaps(int number, bool andLater) const {
   const Variant& variant = scenario_.variant;
   Due due = undisturbed_;
   const Due nil{Answer::kNil, false, {}, {}, receiver_};
   const bool newHeads = variant.height > variant.width;
   const int columns = 3;
-  const int heads = columns + variant.width;
+  const int further = BestVectorLevel() > VectorLevel::kScalar ? 1 : 0;
+  const int heads = columns + variant.width + further;
   const int rows = heads + (newHeads ? 1 : 0);
   if (number < columns) return nil;
   if (newHeads && (number == heads || (andLater && number < heads))) return nil;
