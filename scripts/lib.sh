@@ -26,12 +26,13 @@ int main(int argc, char**) { return std::to_string(argc).size() == 1 && sizeof(v
 product_preset() { if try_32; then say i386; else say native; fi; }
 
 # configure_and_build PRESET [TARGET...]: quiet while all goes well; else what failed is on stderr.
-# PRESET-whole builds everything in PRESET's folder.
+# PRESET-whole builds everything in PRESET's folder, PRESET-unit the unit tests.
 configure_and_build() {
-  local preset=$1 log
+  local preset=$1 configured=${1%-whole} log
+  configured=${configured%-unit}
   shift
   log=$(mktemp)
-  if ! { (cd "$ROOT" && cmake --preset "${preset%-whole}" && cmake --build --preset "$preset" ${@:+--target "$@"}) \
+  if ! { (cd "$ROOT" && cmake --preset "$configured" && cmake --build --preset "$preset" ${@:+--target "$@"}) \
       >"$log" 2>&1; }; then
     grep -vE '^\[[0-9]+/[0-9]+\] (Building|Linking) ' "$log" >&2 || true
     rm -f "$log"
