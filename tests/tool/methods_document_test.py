@@ -1,74 +1,26 @@
-"""docs/methods.md and docs/pixel-formats.md: that what they say is what picturehost does."""
+"""docs/methods.md: that what it says is what picturehost does, and what both documents' commands do."""
 
 import os
-import pathlib
 import re
-import struct
 import subprocess
 
-from harness import PICTUREHOST, TRIAL_PLUGIN, PicturehostTest, main
+from harness import PICTUREHOST, PicturehostTest, main
+from method_documents import (
+    DECLARATIONS,
+    FORMATS,
+    METHODS,
+    MINUS,
+    NOTHING,
+    ROOT,
+    blocks,
+    number,
+    registered,
+    sections,
+    tables,
+)
 from png import read_png, write_png
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
-METHODS = (ROOT / "docs/methods.md").read_text()
-FORMATS = (ROOT / "docs/pixel-formats.md").read_text()
-FAULTY_PLUGIN = os.environ["FAULTY_PLUGIN"]
 EVERY_YIELD = -(2**31)  # the one period that is due at each point
-MINUS, NOTHING = "\N{MINUS SIGN}", "\N{EN DASH}"
-
-
-def blocks(text, kind):
-    """The contents of the fenced blocks of that kind."""
-    return re.findall(rf"^```{kind}\n(.*?)^```$", text, re.MULTILINE | re.DOTALL)
-
-
-def tables(text, first):
-    """The rows, without the two of the head, of the tables whose first column is called so."""
-    found = []
-    for table in re.findall(r"(?:^\|.*\n)+", text, re.MULTILINE):
-        rows = [[cell.strip() for cell in line[1:-1].split("|")] for line in table.splitlines()]
-        if rows[0][0] == first:
-            found.append(rows[2:])
-    return found
-
-
-def sections():
-    """The text of each second-level section by its heading."""
-    parts = re.split(r"^## (.*)\n", METHODS, flags=re.MULTILINE)
-    return dict(zip(parts[1::2], parts[2::2]))
-
-
-def number(text):
-    return float(text.replace(MINUS, "-").replace(",", ""))
-
-
-class Parameter:
-    def __init__(self, text):
-        pattern = r"(\w+) as (\w+)(?:\s*=\s*(.*))?"
-        self.name, kind, self.default = re.fullmatch(pattern, text.strip()).groups()
-        self.kind = kind.lower()
-
-
-class Declaration:
-    def __init__(self, text):
-        self.text = text
-        self.name, inner, self.result = re.fullmatch(r"(\w+)\((.*)\) as (\w+)", text).groups()
-        self.parameters = [Parameter(part) for part in inner.split(",")]
-
-    def required(self):
-        return sum(parameter.default is None for parameter in self.parameters)
-
-
-def registered(version):
-    result = subprocess.run(
-        [PICTUREHOST, "methods", "--host-version", version],
-        capture_output=True, text=True, check=True,
-    )  # fmt: skip
-    lines = [line.split(None, 1)[1] for line in result.stdout.splitlines() if line[0] == " "]
-    return {line.split("(")[0]: line for line in lines}
-
-
-DECLARATIONS = {name: Declaration(text) for name, text in registered("2012").items()}
 
 
 class Declarations(PicturehostTest):
@@ -248,134 +200,6 @@ class Commands(PicturehostTest):
                     self.assertIn("# " + anchor.replace("-", " "), METHODS.lower())
 
 
-class Examples(PicturehostTest):
-    """The calls in the examples against the declarations; of the language, what they use."""
-
-    ALWAYS = {"p": "Picture", "photo": "Picture", "frame": "Picture", "sprite": "Picture",
-              "w": "Integer", "h": "Integer", "x": "Double", "y": "Double"}  # fmt: skip
-    PROPERTIES = {"width": "integer", "height": "integer"}
-    # All that the examples use of the host's own classes: what is not here must be declared.
-    MEMBERS = set(
-        "Append Child CopyColorChannels CopyMask Count DrawPicture Enabled FillRect ForeColor "
-        "Graphics HasAlphaChannel Height Invalidate Item Mask Maximum Mode ModeMultiple ModeOff "
-        "Name Open PathTypeNative Rect Run Save SaveAsPNG Value Width".split()
-    )
-    TAKES = {"integer": ("integer",), "double": ("integer", "double"), "boolean": ("boolean",),
-             "picture": ("picture",)}  # fmt: skip
-
-    def kind(self, expression, types):
-        """The type of an expression of names, properties, numbers and arithmetic."""
-        expression = expression.strip()
-        if expression.lower() in ("true", "false"):
-            return "boolean"
-        kinds = set()
-        for operand in re.split(r"[-+*/\\()]", expression):
-            operand = operand.strip().lower()
-            if re.fullmatch(r"\d+", operand):
-                kinds.add("integer")
-            elif re.fullmatch(r"\d*\.\d+", operand):
-                kinds.add("double")
-            elif operand:
-                name, *properties = operand.split(".")
-                known = types.get(name, "nothing known").lower()
-                kinds.add(self.PROPERTIES.get(properties[-1], operand) if properties else known)
-        if kinds <= {"integer", "double"}:
-            return "double" if "/" in expression or "double" in kinds else "integer"
-        return kinds.pop() if len(kinds) == 1 else "a mixture"
-
-    def arguments(self, text):
-        """What stands between the parenthesis that `text` begins with and its partner, split at
-        commas, and what follows."""
-        depth, parts = 0, [""]
-        for at, character in enumerate(text):
-            depth += {"(": 1, ")": -1}.get(character, 0)
-            if depth == 0:
-                return parts, text[at + 1 :]
-            if character == "," and depth == 1:
-                parts.append("")
-            elif at > 0:
-                parts[-1] += character
-        self.fail(f"no end: {text}")
-
-    def ranges(self, name):
-        (rows,) = tables(sections()[name], "Argument")
-        found = [re.match(rf"({MINUS}?\d+) to (\d+)", row[3]) for row in rows]
-        return [tuple(map(number, match.groups())) if match else None for match in found]
-
-    def check_call(self, line, types, wanted=None):
-        """Checks the calls in a line; `wanted` is the type that the function returns."""
-        members = re.findall(r"\.([A-Za-z]\w*)", re.sub(r'"[^"]*"', "", line))
-        for name in members:
-            if name in self.MEMBERS:
-                continue
-            self.assertIn(name, DECLARATIONS, line)
-            declaration = DECLARATIONS[name]
-            before, _, after = line.partition(name)
-            receiver = re.search(r"(\w+)\.$", before)
-            self.assertIsNotNone(receiver, line)
-            self.assertEqual(types.get(receiver[1].lower()), "Picture", line)
-            given, rest = self.arguments(after)
-            self.assertGreaterEqual(len(given), declaration.required(), line)
-            self.assertLessEqual(len(given), len(declaration.parameters), line)
-            for text, parameter, range_ in zip(given, declaration.parameters, self.ranges(name)):
-                where = f"{parameter.name} in {line}"
-                self.assertIn(self.kind(text, types), self.TAKES[parameter.kind], where)
-                if range_ and re.fullmatch(r"\s*-?[\d.]+\s*", text):
-                    self.assertTrue(range_[0] <= float(text) <= range_[1], where)
-            self.check_result(before[: receiver.start()], rest, declaration, types, wanted, line)
-
-    def check_result(self, before, rest, declaration, types, wanted, line):
-        before = before.strip()
-        if re.fullmatch(r"If( Not)?", before):
-            self.assertEqual((declaration.result, rest.strip()), ("boolean", "Then"), line)
-            return
-        self.assertEqual(rest.strip(), "", line)
-        declared = re.fullmatch(r"Dim \w+ As (\w+) =", before)
-        assigned = re.fullmatch(r"(\w+) =", before)
-        if declared:
-            target = declared[1]
-        elif assigned:
-            target = types[assigned[1].lower()]
-        else:
-            self.assertEqual(before, "Return", "a result must be used: " + line)
-            target = wanted
-        self.assertEqual(target.lower(), declaration.result, line)
-
-    def declared(self, text):
-        """Names and types in declarations; arrays are not told apart from their elements."""
-        found = re.findall(r"\b(\w+)(?:\(\))? As (?:New )?([\w.]+)", text)
-        return {name.lower(): kind for name, kind in found}
-
-    def test_call_what_is_declared(self):
-        called = set()
-        for section in re.split(r"^##+ ", METHODS, flags=re.MULTILINE):
-            prose = re.sub(r"^```.*?^```$", "", section, flags=re.MULTILINE | re.DOTALL)
-            properties = self.declared(" ".join(re.findall(r"`([^`]*)`", prose)))
-            for block in blocks(section, "xojo"):
-                types, wanted = {**self.ALWAYS, **properties}, None
-                for line in block.splitlines():
-                    line = line.partition("//")[0].strip()
-                    head = re.match(r"(?:Sub|Function) \w+\((.*)\)(?: As (\w+))?$", line)
-                    if head:
-                        types, wanted = {**properties, **self.declared(head[1])}, head[2]
-                    types = {**types, **self.declared(line)}
-                    self.check_call(line, types, wanted)
-                    called |= set(re.findall(r"\w+ZVQ", line))
-        self.assertEqual(called, set(DECLARATIONS))
-
-    def test_in_a_few_words_call_what_is_declared(self):
-        (rows,) = tables(METHODS, "To do")
-        types = dict(self.ALWAYS)
-        called = set()
-        for row in rows:
-            for call in re.findall(r"`([^`]*)`", row[1]):
-                name = re.search(r"\w+ZVQ", call)[0]
-                called.add(name)
-                draws = DECLARATIONS[name].result == "boolean"
-                self.check_call(f"If {call} Then" if draws else f"Return {call}", types, "Picture")
-        self.assertEqual(called, set(DECLARATIONS))
-
-
 class Numbers(PicturehostTest):
     def words(self, call):
         """A call as it stands in a table, as words of the command line."""
@@ -459,98 +283,6 @@ class Numbers(PicturehostTest):
                 self.assert_done(self.picturehost("run", receiver, *words, *options))
                 wanted = tuple(int(value) for value in cell.split())
                 self.assertEqual(self.pixels()[0][0], wanted, f"{call} {kind} {alpha}")
-
-
-class PixelWords(PicturehostTest):
-    """The hexadecimal pixels. Nothing prints a word, but a plug-in that is faulty on purpose flips
-    known bits of the first one of a result; what colours that changes tells where channels lie."""
-
-    FLIPPED = 0x00808000  # by the fault "wrong-pixel"
-    COLOUR, ALPHA = (200, 100, 50), 128
-
-    def setUp(self):
-        super().setUp()
-        (rows,) = tables(FORMATS, "Format")[:1]
-        self.layouts = {int(row[0]): row[3].split() for row in rows}
-        self.multiplied = {int(row[0]): row[5] for row in rows}
-        self.words = {int(row[0]): row[1:] for row in tables(FORMATS, "Format")[1]}
-        write_png(self.folder / "opaque.png", [[self.COLOUR]])
-        write_png(self.folder / "clear.png", [[(*self.COLOUR, self.ALPHA)]])
-
-    def host(self, pixel_format):
-        if pixel_format == 8:
-            return ("--kind", "console")
-        return ("--pixel-format", pixel_format)
-
-    def first_pixels(self, name, pixel_format, fault):
-        """The first two pixels of an enlargement that copies all four bytes."""
-        words = ("run", "--plugin", FAULTY_PLUGIN, name, "ScaleZVQ", 2, 2, "true", "-o", "out.png")
-        environment = dict(os.environ, VALIDATE_FAULT=fault)
-        self.assert_done(self.picturehost(*words, *self.host(pixel_format), env=environment))
-        return self.pixels()[0]
-
-    def decoded(self, word, pixel_format, has_alpha):
-        """The colour of a word, by what the document says of the format."""
-        at = dict(zip(self.layouts[pixel_format], struct.pack("<I", word)))
-        colour = (at["R"], at["G"], at["B"])
-        if not has_alpha:
-            return colour
-        if self.multiplied[pixel_format] == "premultiplied":
-            alpha = at["A"]
-            rounded = [(2 * 255 * c + alpha) // (2 * alpha) if alpha else 0 for c in colour]
-            colour = tuple(min(255, c) for c in rounded)
-        return (*colour, at["A"])
-
-    def unused_or_alpha(self, pixel_format):
-        """The bits that the fault "unused-byte" flips."""
-        return 0xFF000000 if pixel_format == 8 or pixel_format % 2 else 0x000000FF
-
-    def check(self, name, pixel_format, word, has_alpha):
-        for fault, bits in (("wrong-pixel", self.FLIPPED),
-                            ("unused-byte", self.unused_or_alpha(pixel_format))):  # fmt: skip
-            spoilt, whole = self.first_pixels(name, pixel_format, fault)
-            where = f"format {pixel_format}, {fault}"
-            self.assertEqual(whole, self.decoded(word, pixel_format, has_alpha), where)
-            self.assertEqual(spoilt, self.decoded(word ^ bits, pixel_format, has_alpha), where)
-
-    def test_bytes_and_words_of_the_table_agree(self):
-        self.assertEqual(list(self.words), [1, 2, 3, 4, 5, 6, 8])
-        self.assertEqual(list(self.layouts), list(self.words))
-        for cells in self.words.values():
-            for memory, word in (cells[:2], cells[2:]):
-                if word != NOTHING:
-                    self.assertEqual(struct.pack("<I", int(word, 16)), bytes.fromhex(memory))
-
-    def test_opaque_pixels_are_those_of_the_table(self):
-        for pixel_format, cells in self.words.items():
-            self.check("opaque.png", pixel_format, int(cells[1], 16), False)
-            layout = self.layouts[pixel_format]
-            unused = bytes.fromhex(cells[0])[layout.index("A" if "A" in layout else "X")]
-            self.assertEqual(unused, 0 if pixel_format == 8 else 255)
-
-    def test_half_transparent_pixels_are_those_of_the_table(self):
-        # Options 1 to 6 give alpha channels in formats 1 and 2.
-        self.assertEqual([f for f, c in self.words.items() if c[3] != NOTHING], [1, 2, 8])
-        for pixel_format in (1, 2, 8):
-            self.check("clear.png", pixel_format, int(self.words[pixel_format][3], 16), True)
-
-    def test_methods_write_alpha_as_the_table_of_opaque_pixels_says(self):
-        # Seen where the result has an alpha channel.
-        for pixel_format in (1, 2, 8):
-            words = ("run", "clear.png", "ScalingZVQ", 2, 2, 2, "-o", "out.png")
-            self.assert_done(self.picturehost(*words, *self.host(pixel_format)))
-            at = dict(zip(self.layouts[pixel_format], bytes.fromhex(self.words[pixel_format][0])))
-            self.assertEqual({pixel[3] for row in self.pixels() for pixel in row}, {at["A"]})
-
-    def test_the_other_bytes_are_what_is_written_in_every_format(self):
-        result = self.picturehost("validate", "--check", "results-are-opaque")
-        self.assertEqual(result.returncode, 0, result.stdout)
-
-    def test_formats_are_those_that_the_host_has(self):
-        for pixel_format in self.layouts:
-            words = ("opaque.png", "Format", *self.host(pixel_format), "-o", "out.png")
-            result = self.picturehost("run", "--plugin", TRIAL_PLUGIN, *words)
-            self.assertEqual(result.stdout.strip(), str(pixel_format))
 
 
 if __name__ == "__main__":
