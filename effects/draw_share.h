@@ -15,8 +15,8 @@ struct FixedShare {
   std::uint16_t value[kMostPatches] = {};
   std::uint16_t step[kMostPatches] = {};
 
-  // All products are 0.
-  bool Nothing() const { return multiplier == 0 && whole == 0 && patches == 0; }
+  // All products are 0: a multiplier of 0 is that of weights below 1 / 65536, without patches.
+  bool Nothing() const { return multiplier == 0 && whole == 0; }
 };
 
 // Finds the share of a weight; every one of the 256 products is checked. False, and the share is of

@@ -132,6 +132,40 @@ TEST(FixedWeights, KeepTheirPromisesForListsByHandAmongOthers) {
   }
 }
 
+// What 16 bits leave room for, the sums need not.
+TEST(FixedWeights, KeepTheirPromisesForManyLargeWeights) {
+  Random random(32104004);
+  FixedTally tally;
+  const struct {
+    float weight;
+    int taps, bits;  // of a total of 1
+  } cases[] = {
+      {0.24F, 40, 17}, {0.24F, 66, 17}, {0.24F, 68, 16}, {0.24F, 140, 15}, {0.45F, 140, 15}};
+  for (const auto& c : cases) {
+    std::vector<float> weights;
+    for (int k = 0; k < c.taps; ++k) weights.push_back(k % 2 == 0 ? c.weight : -c.weight);
+    const HandMadeLists lists({{3, weights, 1.0F}});
+    EXPECT_EQ(FixedLists(lists, 160).fixed.heads[0].bits, c.bits) << c.weight << " x " << c.taps;
+    ASSERT_EQ(FixedChecks(lists, 160, true, random, tally).Fault(kAllContents), "") << c.taps;
+  }
+}
+
+// 2^23 fine weights of half a unit, times 255, are a sum of 30 bits without any fraction.
+TEST(FixedWeights, HaveNoFractionsInTheLongestLists) {
+  for (const std::int32_t taps : {1 << 23, (1 << 23) + 2}) {
+    std::vector<Contribution> entries(2);
+    entries[0] = {0.5F, 0};
+    entries[1] = {0.5F, taps - 1};
+    ContributionList list = {};
+    list.entries = entries.data();
+    list.count = 2;
+    list.total = 1.0F;
+    const FixedLists fixed(&list, 1, taps);
+    EXPECT_EQ(fixed.fixed.pairs, taps / 2);
+    EXPECT_EQ(fixed.fixed.fineBits, 0);
+  }
+}
+
 TEST(FixedWeights, AreMeansOnlyWhenAllListsAre) {
   const struct {
     const char* name;
@@ -226,6 +260,33 @@ TEST(WidestList, CountsPairsOfPixels) {
     const HandMadeLists lists(c.lists);
     EXPECT_EQ(WidestList(&lists[0], lists.Count()), c.pairs) << c.name;
   }
+}
+
+TEST(AreTwins, HaveTheSameWeightsAnEvenNumberOfPixelsApart) {
+  const Taps taps = {2, {0.5F, 0.25F, 0.25F}};
+  const struct {
+    const char* name;
+    Taps other;
+    bool areTwins;
+  } cases[] = {
+      {"itself", taps, true},
+      {"further on", {6, {0.5F, 0.25F, 0.25F}}, true},
+      {"before", {0, {0.5F, 0.25F, 0.25F}}, true},
+      {"an odd number of pixels on", {3, {0.5F, 0.25F, 0.25F}}, false},
+      {"fewer taps", {2, {0.5F, 0.5F}}, false},
+      {"no taps", {2, {}}, false},
+      {"another total", {2, {0.5F, 0.25F, 0.25F}, 2.0F}, false},
+      {"no number as total", {2, {0.5F, 0.25F, 0.25F}, kNan}, false},
+      {"another weight", {2, {0.5F, 0.25F, 0.125F}, 1.0F}, false},
+      {"a gap", {2, {0.5F, 0.25F, 0.0F, 0.25F}}, false},
+  };
+  for (const auto& c : cases) {
+    const HandMadeLists lists({taps, c.other});
+    EXPECT_EQ(AreTwins(lists[0], lists[1]), c.areTwins) << c.name;
+    EXPECT_EQ(AreTwins(lists[1], lists[0]), c.areTwins) << c.name;
+  }
+  const HandMadeLists none({{2, {}}, {4, {}}});
+  EXPECT_FALSE(AreTwins(none[0], none[1]));
 }
 
 }  // namespace

@@ -155,6 +155,27 @@ TEST(LanePasses, AreThePassesAsDefinedWhereListsAreCopies) {
   }
 }
 
+// Nearly copies: one of another total or weight, or of a column further back.
+TEST(LanePasses, AreThePassesAsDefinedWhereListsAreNearlyCopies) {
+  Random random(34104005);
+  OpenCounts counts;
+  for (const Taps& other : {Taps(5, {1.0F}, 2.0F), Taps(5, {0.5F}, 0.25F), Taps(1, {1.0F})}) {
+    std::vector<Taps> all = {{2, {1.0F}}, {3, {1.0F}}, {4, {1.0F}}, {5, {1.0F}}, other};
+    for (const int step : {0, 1, 2, 3, 4, 5, 5, 6})
+      all.push_back({other.firstPixel + step, {1.0F}});
+    const HandMadeLists columns(all);
+    const HandMadeLists rows({{0, {1.0F}}, {1, {0.5F, 0.5F}}, {3, {1.0F}}});
+    for (const Picture picture : kPictures) {
+      const Source source(24, 4, PixelLayout::kBlueFirst, picture, random);
+      const Comparison comparison(source, columns, rows, kSpan, PixelLayout::kRedFirst, random);
+      for (const VectorLevel level : Levels()) {
+        ASSERT_EQ(comparison.FirstOtherRow(level, counts), Comparison::kSame)
+            << other.firstPixel << ", level " << static_cast<int>(level);
+      }
+    }
+  }
+}
+
 // Lists of rows that memory was short for are empty.
 TEST(LanePasses, AreThePassesAsDefinedWhereListsAreMissing) {
   Random random(34104003);

@@ -76,13 +76,13 @@ struct Taps {
 // A kernel that weighs nothing, with room for taps.
 struct RoomyFilter {
   static constexpr double kSearch = 0.5;
-  static constexpr int kEnlargedTaps = 64;
-  static constexpr int kEnlargedTapsDown = 64;
+  static constexpr int kEnlargedTaps = 160;
+  static constexpr int kEnlargedTapsDown = 160;
   static constexpr bool kCostly = false;
   static double Value(double) { return 0.0; }
 };
 
-// Lists of at most 64 taps each.
+// Lists of at most 160 taps each.
 class HandMadeLists : public ContributionLists {
  public:
   explicit HandMadeLists(const std::vector<Taps>& all) {
