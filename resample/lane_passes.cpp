@@ -1,5 +1,7 @@
 #include "resample/lane_passes.h"
 
+#include <cstring>
+
 namespace {
 
 constexpr std::uint64_t kMebibyte = std::uint64_t{1} << 20;
@@ -165,6 +167,17 @@ FixedWeights& LanePasses::FixedRow(const ContributionList& list) {
   return row_[place];
 }
 
+void LanePasses::CopyRow(std::int32_t row, PixelLayout layout, std::uint32_t* result) {
+  if (lastCopy_.result != nullptr && lastCopy_.row == row && lastCopy_.layout == layout) {
+    std::memcpy(result, lastCopy_.result, static_cast<std::size_t>(width_) * sizeof *result);
+  } else {
+    const auto* source = reinterpret_cast<const std::uint32_t*>(reader_->RowAddress(row));
+    kernels_->pick(source, copied_, reaching_, width_, RecolouringOf(reader_->Layout(), layout),
+                   result);
+  }
+  lastCopy_ = {row, layout, result};
+}
+
 void LanePasses::FilterRow(const ContributionList& list, PixelLayout layout,
                            std::uint32_t* result) {
   if (layout == PixelLayout::kNone) return;
@@ -172,11 +185,7 @@ void LanePasses::FilterRow(const ContributionList& list, PixelLayout layout,
     for (std::int32_t x = 0; x < width_; ++x) result[x] = EncodeOpaque(layout, {0, 0, 0});
     return;
   }
-  if (columnsAreCopies_ && IsCopy(list)) {
-    const unsigned char* source = reader_->RowAddress(list.entries[0].pixel);
-    return kernels_->pick(reinterpret_cast<const std::uint32_t*>(source), copied_, reaching_,
-                          width_, RecolouringOf(reader_->Layout(), layout), result);
-  }
+  if (columnsAreCopies_ && IsCopy(list)) return CopyRow(list.entries[0].pixel, layout, result);
   const std::int32_t first = list.entries[0].pixel / 2;
   const FixedWeights& row = FixedRow(list);
   FillRing(first, first + row.pairs - 1);

@@ -28,7 +28,8 @@ class LanePasses {
 
   // Filters one row of the result, one opaque word in `layout` for each column. The rows' lists
   // must be kept, and move on: none may reach back by more than two pixels before the ones before
-  // it. Nothing is written for kNone.
+  // it. Nothing is written for kNone. What was written by the call before must still be there: rows
+  // that repeat are copied.
   void FilterRow(const ContributionList& list, PixelLayout layout, std::uint32_t* result);
 
   // Channels that needed more than coarse weights, along rows and down columns.
@@ -47,6 +48,7 @@ class LanePasses {
   void CutPieces();
   void FindColumns(const ContributionLists& columns);
   FixedWeights& FixedRow(const ContributionList& list);
+  void CopyRow(std::int32_t row, PixelLayout layout, std::uint32_t* result);
   void FillRing(std::int32_t firstPair, std::int32_t lastPair);
   void FilterBatch(std::int32_t batch);
   RingBlock* Pair(std::int32_t pair) const {
@@ -62,6 +64,11 @@ class LanePasses {
   std::int32_t pieceCount_ = 0;
   std::int32_t* copied_ = nullptr;  // where all columns are copies, their source columns
   bool columnsAreCopies_ = false;
+  struct {
+    std::int32_t row;  // of the source
+    PixelLayout layout;
+    const std::uint32_t* result;
+  } lastCopy_ = {};            // the row that was copied last
   std::int32_t reaching_ = 0;  // so many of those have enough pixels after them for a kernel
   static constexpr int kKnownRows = 4;
   FixedWeights row_[kKnownRows] = {};                  // of one result row each, and
