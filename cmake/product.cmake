@@ -12,4 +12,3 @@ function(varnell_module target output processor)
 endfunction()
 
 varnell_module(varnell Varnell processor)
-install(TARGETS varnell LIBRARY DESTINATION lib/varnell)

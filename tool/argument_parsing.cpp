@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "tool/exit_status.h"
+#include "tool/suggestion.h"
 
 namespace tool {
 namespace {
@@ -100,6 +101,16 @@ int IndexOf(const std::vector<host::Parameter>& parameters, const std::string& n
   return -1;
 }
 
+std::vector<std::string> NamesOf(const std::vector<host::Parameter>& parameters) {
+  std::vector<std::string> names;
+  for (const host::Parameter& parameter : parameters) names.push_back(parameter.name);
+  return names;
+}
+
+bool IsInteger(const std::vector<host::Parameter>& parameters, int index) {
+  return index >= 0 && parameters[std::size_t(index)].type == host::Type::kInteger;
+}
+
 bool IsName(const std::string& text) {
   return !text.empty() && std::isdigit(static_cast<unsigned char>(text[0])) == 0 &&
          std::all_of(text.begin(), text.end(),
@@ -111,53 +122,75 @@ class Parser {
   explicit Parser(const host::Declaration& declaration)
       : declaration_(declaration),
         parameters_(CallParameters(declaration)),
-        texts_(parameters_.size()) {}
+        texts_(parameters_.size()) {
+    const int width = IndexOf(parameters_, "width");
+    const int height = IndexOf(parameters_, "height");
+    if (IsInteger(parameters_, width) && IsInteger(parameters_, height)) {
+      width_ = std::size_t(width);
+      height_ = std::size_t(height);
+    }
+  }
 
   void Take(const std::string& word) {
+    if (next_ == passedHeight_) ++next_;
     const std::size_t equals = word.find('=');
     if (equals != std::string::npos && IsName(word.substr(0, equals))) {
-      const int named = IndexOf(parameters_, word.substr(0, equals));
+      const std::string name = word.substr(0, equals);
+      const int named = IndexOf(parameters_, name);
       if (named >= 0) return Set(std::size_t(named), word.substr(equals + 1));
       // The name of a file may hold an equals sign; no other value does.
       if (next_ >= parameters_.size() || parameters_[next_].type != host::Type::kPicture) {
-        Reject("there is no parameter '" + word.substr(0, equals) + "'");
+        Reject("there is no parameter '" + name + "'" + DidYouMean(name, NamesOf(parameters_)));
       }
     }
     if (next_ >= parameters_.size()) Reject("too many arguments");
-    Set(next_++, word);
+    const std::size_t place = next_++;
+    Set(place, word);
+    if (size_ && place == width_) passedHeight_ = height_;
   }
 
   Arguments Finish() const {
     Arguments arguments;
+    if (size_) arguments.size = GivenSize{*size_, *width_, *height_};
     for (std::size_t i = 0; i < parameters_.size(); ++i) {
-      const host::Parameter& parameter = parameters_[i];
-      const std::optional<std::string>& text = texts_[i] ? texts_[i] : parameter.defaultValue;
-      if (!text) Reject("'" + parameter.name + "' is missing");
-      const std::optional<Argument> value = ParseValue(parameter.type, *text);
-      if (!value) {
-        Reject("'" + parameter.name + "' must be " + Wanted(parameter.type) + ", not '" + *text +
-               "'");
-      }
-      arguments.values.push_back(*value);
+      arguments.values.push_back(ValueOf(i));
       arguments.given.push_back(texts_[i].has_value());
     }
     return arguments;
   }
 
  private:
+  Argument ValueOf(std::size_t index) const {
+    if (size_ && (index == width_ || index == height_)) return std::int32_t(0);
+    const host::Parameter& parameter = parameters_[index];
+    const std::optional<std::string>& text = texts_[index] ? texts_[index] : parameter.defaultValue;
+    if (!text) Reject("'" + parameter.name + "' is missing");
+    const std::optional<Argument> value = ParseValue(parameter.type, *text);
+    if (value) return *value;
+    Reject("'" + parameter.name + "' must be " + Wanted(parameter.type) +
+           (index == width_ ? " or a size such as 800x600, 800x, x600 or 50%" : "") + ", not '" +
+           *text + "'");
+  }
+
   void Set(std::size_t index, const std::string& text) {
     if (texts_[index]) Reject("'" + parameters_[index].name + "' is given twice");
     texts_[index] = text;
+    if (index == width_) size_ = SizeWord::Parse(text);
+    if (size_ && index == width_) Set(*height_, text);
   }
 
   [[noreturn]] void Reject(const std::string& reason) const {
-    throw UsageError(reason + "; the declaration is " + Signature(declaration_));
+    const char* separator = reason.ends_with('?') ? " The" : "; the";
+    throw UsageError(reason + separator + " declaration is " + Signature(declaration_));
   }
 
   const host::Declaration& declaration_;
   std::vector<host::Parameter> parameters_;
   std::vector<std::optional<std::string>> texts_;
-  std::size_t next_ = 0;  // the parameter of the next word without a name
+  std::size_t next_ = 0;                       // the parameter of the next word without a name
+  std::optional<std::size_t> width_, height_;  // where the declaration has both
+  std::optional<SizeWord> size_;               // given in the place of the width
+  std::optional<std::size_t> passedHeight_;    // by a word that stood for it and the width
 };
 
 }  // namespace
@@ -186,6 +219,14 @@ Arguments ParseArguments(const host::Declaration& declaration,
   Parser parser(declaration);
   for (const std::string& word : words) parser.Take(word);
   return parser.Finish();
+}
+
+void FitSize(Arguments& arguments, const Extent& receiver) {
+  if (!arguments.size) return;
+  const Extent extent = arguments.size->size.For(receiver);
+  arguments.values[arguments.size->width] = extent.width;
+  arguments.values[arguments.size->height] = extent.height;
+  arguments.size.reset();
 }
 
 std::string CallText(const host::Declaration& declaration, const Arguments& arguments) {

@@ -1,5 +1,7 @@
 // The subcommands of picturehost. A new one is a file with an Add…Command function, declared here
-// and called in main.cpp.
+// and called in main.cpp. Its help, the manual page and the completions are written from its
+// options and its footer (option_table.h); names of values such as DIR and METHOD say what
+// completes them (shell_completion.cpp).
 #pragma once
 
 #include <functional>
@@ -21,6 +23,10 @@ void AddMethodsCommand(CLI::App& app, Action& chosen);
 void AddSampleCommand(CLI::App& app, Action& chosen);
 void AddInfoCommand(CLI::App& app, Action& chosen);
 void AddSheetCommand(CLI::App& app, Action& chosen);
+void AddGalleryCommand(CLI::App& app, Action& chosen);
 void AddValidateCommand(CLI::App& app, Action& chosen);
+void AddCompareCommand(CLI::App& app, Action& chosen);
+// Two that no help shows: `documentation` and `help`.
+void AddDocumentationCommands(CLI::App& app, Action& chosen);
 
 }  // namespace tool

@@ -21,6 +21,9 @@ struct Failure : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// Throws Failure when not everything could be written that was printed on standard output so far.
+void CheckPrinted();
+
 // "picturehost: " and the text on standard error, as one line whatever the text holds.
 void Complain(std::string text);
 

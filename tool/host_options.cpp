@@ -7,6 +7,7 @@
 #include <map>
 
 #include "tool/exit_status.h"
+#include "tool/option_values.h"
 
 namespace tool {
 namespace {
@@ -72,30 +73,29 @@ void HostOptions::Follow(host::Runtime& runtime) const {
 void AddHostOptions(CLI::App& command, HostOptions& options) {
   command
       .add_option("--plugin", options.plugin,
-                  "The plug-in: a library, or a package or its folder (default: the one beside "
-                  "this tool)")
+                  "The plug-in: a library, or a package or its folder (default: Varnell.so "
+                  "beside this tool or in ../lib/varnell)")
       ->type_name("PATH");
   command.add_option("--host-version", options.version, "The version the host reports")
       ->type_name("NUMBER")
       ->check(CLI::Validator(CheckVersion, ""))
       ->capture_default_str();
-  command
-      .add_option("--kind", options.kind, "The kind of application: desktop, web, console, none")
+  command.add_option("--kind", options.kind, "The kind of application")
       ->type_name("KIND")
-      ->transform(CLI::IsMember({"desktop", "web", "console", "none"}, CLI::ignore_case))
+      ->transform(OneOf({"desktop", "web", "console", "none"}))
       ->capture_default_str();
   command
       .add_option("--pixel-format", options.pixelFormat,
-                  "1..6: the format of bitmap contexts (console and web hosts have host buffers)")
+                  "The format of bitmap contexts; console and web hosts have host buffers")
       ->type_name("FORMAT")
-      ->check(CLI::Range(1, 6))
+      ->check(Between(1, 6))
       ->capture_default_str();
   command
       .add_option("--alpha", options.alpha,
-                  "How a picture with transparency enters the host: as an alpha channel, as a "
-                  "mask, or drop it")
-      ->type_name("channel|mask|drop")
-      ->transform(CLI::IsMember({"channel", "mask", "drop"}, CLI::ignore_case))
+                  "How a picture with transparency enters the host: with an alpha channel, as an "
+                  "opaque picture with a mask, or opaque")
+      ->type_name("WAY")
+      ->transform(OneOf({"channel", "mask", "drop"}))
       ->capture_default_str();
   command.add_flag("--trace", options.trace, "Write every host call to standard error, in order");
 }

@@ -68,7 +68,9 @@ void OutputFile::Check() const {
     if (::access(target_.c_str(), W_OK) != 0) Fail(std::strerror(errno));
   }
   const fs::path folder = target_.has_parent_path() ? target_.parent_path() : fs::path(".");
-  if (::stat(folder.c_str(), &found) != 0) Fail(std::strerror(errno));
+  if (::stat(folder.c_str(), &found) != 0) {
+    Fail(std::string(std::strerror(errno)) + " (the folder " + folder.string() + ")");
+  }
   if (!S_ISDIR(found.st_mode)) Fail(std::strerror(ENOTDIR));
   if (::access(folder.c_str(), W_OK | X_OK) != 0) Fail(std::strerror(errno));
 }

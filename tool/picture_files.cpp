@@ -77,6 +77,24 @@ void Append(void* context, void* data, int size) {
   out->insert(out->end(), bytes, bytes + size);
 }
 
+std::vector<unsigned char> Encode(const Bitmap& picture, Format format) {
+  const int samples = picture.hasAlpha ? 4 : 3;
+  if (picture.pixels.empty()) throw Failure("the picture has no pixels");
+  // The PNG writer counts in 32-bit integers, one filter byte before each row.
+  if ((std::int64_t(picture.width) * samples + 1) * picture.height > INT_MAX) {
+    throw Failure("the picture is too large for the writer");
+  }
+  const std::vector<unsigned char> pixels = Interleave(picture, samples);
+  std::vector<unsigned char> file;
+  const int written = format == Format::kPng
+                          ? stbi_write_png_to_func(Append, &file, picture.width, picture.height,
+                                                   samples, pixels.data(), picture.width * samples)
+                          : stbi_write_jpg_to_func(Append, &file, picture.width, picture.height,
+                                                   samples, pixels.data(), kJpegQuality);
+  if (written == 0) throw Failure("the picture could not be encoded");
+  return file;
+}
+
 }  // namespace
 
 Bitmap LoadPicture(const std::string& path) {
@@ -104,24 +122,17 @@ void CheckOutput(const std::string& path) {
   OutputFile(path).Check();
 }
 
+std::vector<unsigned char> EncodePng(const Bitmap& picture) { return Encode(picture, Format::kPng); }
+
 void SavePicture(const Bitmap& picture, const std::string& path) {
   const Format format = FormatOf(path);
   const Bitmap flat = format == Format::kJpeg && picture.hasAlpha ? OnWhite(picture) : Bitmap();
-  const Bitmap& saved = flat.pixels.empty() ? picture : flat;
-  const int samples = saved.hasAlpha ? 4 : 3;
-  if (saved.pixels.empty()) throw Failure("cannot write '" + path + "': the picture has no pixels");
-  // The PNG writer counts in 32-bit integers, one filter byte before each row.
-  if ((std::int64_t(saved.width) * samples + 1) * saved.height > INT_MAX) {
-    throw Failure("cannot write '" + path + "': the picture is too large for the writer");
-  }
-  const std::vector<unsigned char> pixels = Interleave(saved, samples);
   std::vector<unsigned char> file;
-  const int written = format == Format::kPng
-                          ? stbi_write_png_to_func(Append, &file, saved.width, saved.height,
-                                                   samples, pixels.data(), saved.width * samples)
-                          : stbi_write_jpg_to_func(Append, &file, saved.width, saved.height,
-                                                   samples, pixels.data(), kJpegQuality);
-  if (written == 0) throw Failure("cannot write '" + path + "': the picture could not be encoded");
+  try {
+    file = Encode(flat.pixels.empty() ? picture : flat, format);
+  } catch (const Failure& failure) {
+    throw Failure("cannot write '" + path + "': " + failure.what());
+  }
   OutputFile(path).Write(file);
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "tool/bitmap.h"
 
@@ -15,6 +16,10 @@ Bitmap LoadPicture(const std::string& path);
 // Throws UsageError when the ending of `path` is not one that SavePicture writes, and Failure when
 // it is already clear that no file can be written there.
 void CheckOutput(const std::string& path);
+
+// The bytes of a PNG file, with alpha where the picture has it. Throws Failure with the reason alone when
+// the picture has no pixels or is too large for the writer.
+std::vector<unsigned char> EncodePng(const Bitmap& picture);
 
 // Writes .png, .jpg or .jpeg (any case). JPEG has no transparency: such pictures are laid on white.
 // The file appears whole or not at all; what was there before stays until then. Throws Failure.

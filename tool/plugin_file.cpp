@@ -130,7 +130,7 @@ std::unique_ptr<host::PluginLibrary> PluginFile::Load(host::Runtime& runtime) co
     return std::make_unique<host::PluginLibrary>(runtime, path_);
   } catch (const std::runtime_error& error) {
     if (std::string(error.what()).find(path_) == std::string::npos) throw;
-    throw std::runtime_error(ForPeople(error.what()));
+    throw UsageError(ForPeople(error.what()));
   }
 }
 

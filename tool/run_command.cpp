@@ -1,181 +1,155 @@
-// picturehost run: calls one method on a picture file and saves what comes out.
+// picturehost run: calls one method on picture files and saves what comes out.
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <thread>
 
-#include "host/plugin_library.h"
-#include "tool/argument_parsing.h"
 #include "tool/command.h"
 #include "tool/exit_status.h"
-#include "tool/host_options.h"
-#include "tool/picture_entry.h"
-#include "tool/picture_exit.h"
+#include "tool/interruption.h"
+#include "tool/option_values.h"
+#include "tool/output_pattern.h"
 #include "tool/picture_files.h"
-#include "tool/progress.h"
+#include "tool/run_host.h"
+#include "tool/run_many.h"
 
 namespace tool {
 namespace {
 
-struct RunOptions {
-  HostOptions host;
+constexpr int kMostJobs = 256;
+
+// The words of the command line as its options take them.
+struct RunCommandLine {
+  RunOptions options;
   std::string input;
   std::string method;
   std::vector<std::string> words;
-  std::string mask;
-  std::string output;
 };
 
-enum class Masked { kNo, kYes };
-
-host::Picture* Load(host::Runtime& runtime, const std::string& path, const RunOptions& options,
-                    Masked masked) {
-  const int format = options.host.pixelFormat;
-  const Bitmap bitmap = LoadPicture(path);
-  if (masked == Masked::kNo) return EnterHost(runtime, bitmap, options.host.Alpha(), format);
-  host::Picture* picture = EnterHost(runtime, bitmap, AlphaEntry::kDrop, format);
-  GiveMask(runtime, picture, LoadPicture(options.mask), format);
-  return picture;
+int Tell(const RunOutcome& outcome, bool json) {
+  if (json) {
+    std::printf("%s\n", JsonOf(outcome).c_str());
+  } else if (!outcome.number.empty()) {
+    std::printf("%s\n", outcome.number.c_str());
+  }
+  if (outcome.status == RunStatus::kInterrupted) {
+    std::fflush(nullptr);
+    EndBySignal(InterruptibleCall::Signal());
+  }
+  for (const std::string& fault : outcome.faults) Complain(fault);
+  return ExitStatusOf(outcome.status);
 }
 
-// The mask goes to the picture that is an argument; to the receiver where none is.
-bool HasPicture(const Arguments& arguments) {
-  for (const Argument& argument : arguments.values) {
-    const auto* picture = std::get_if<PictureArgument>(&argument);
-    if (picture != nullptr && !picture->path.empty()) return true;
-  }
-  return false;
+// In this process. Nothing when the plug-in has no such method.
+std::optional<int> RunOne(const RunOptions& options, const RunWords& words,
+                          const std::string& methodName) {
+  const std::string& input = words.inputs[0];
+  const std::string output = OutputName(options.output, input, 1, 1);
+  CheckOutput(output);
+  RunHost host(options);
+  const host::Declaration* method = host.Find(methodName);
+  if (method == nullptr) return std::nullopt;
+  const Arguments arguments = ParseArguments(*method, words.arguments);
+  return Tell(host.Run(input, output, *method, arguments, [](const RunOutcome&) {}), options.json);
 }
 
-std::vector<host::Value> LoadArguments(host::Runtime& runtime, const Arguments& arguments,
-                                       const RunOptions& options) {
-  const Masked masked = options.mask.empty() ? Masked::kNo : Masked::kYes;
-  std::vector<host::Value> values;
-  for (const Argument& argument : arguments.values) {
-    if (const auto* picture = std::get_if<PictureArgument>(&argument)) {
-      values.push_back(picture->path.empty()
-                           ? host::Value()
-                           : host::Value(Load(runtime, picture->path, options, masked)));
-    } else if (const auto* number = std::get_if<std::int32_t>(&argument)) {
-      values.push_back(*number);
-    } else if (const auto* fraction = std::get_if<double>(&argument)) {
-      values.push_back(*fraction);
-    } else {
-      values.push_back(std::get<bool>(argument));
-    }
+int Run(const RunCommandLine& line) {
+  std::optional<int> status;
+  if (!MayBeInput(line.method)) {
+    status = RunOne(line.options, {{line.input}, {}, line.words}, line.method);
   }
-  return values;
+  if (status) return *status;
+  std::vector<std::string> words = {line.input, line.method};
+  words.insert(words.end(), line.words.begin(), line.words.end());
+  const RunWords divided = Divide(words, MethodsOf(line.options));
+  if (divided.inputs.size() > 1) return RunMany(line.options, divided);
+  status = RunOne(line.options, divided, divided.method.name);
+  if (!status) throw Failure("the plug-in has lost its method " + divided.method.name);
+  return *status;
 }
 
-// Complains about everything that was wrong with a call; false when nothing was.
-bool ComplainAbout(const host::CallReport& report, const host::Runtime& runtime,
-                   const std::string& call) {
-  bool wrong = !report.Clean();
-  for (const std::string& sentence : report.violations) {
-    Complain(call + ": the plug-in misused the host: " + sentence);
+// A number of processes, or a word for as many as there are processors.
+std::string CountJobs(std::string& text) {
+  if (text == "auto" || text == "0") {
+    const auto processors = int(std::thread::hardware_concurrency());
+    text = std::to_string(std::clamp(processors, 1, kMostJobs));
+    return {};
   }
-  for (const std::string& sentence : report.leftOver) {
-    Complain(call + ": the plug-in left something over: " + sentence);
-  }
-  for (const host::RaisedException& raised : runtime.Raised()) {
-    Complain(call + ": the plug-in raised " + raised.className +
-             (raised.hasMessage ? ": " + raised.message : " without a message"));
-    wrong = true;
-  }
-  return wrong;
+  const std::string complaint = Between(1, kMostJobs)(text);
+  return complaint.empty() ? complaint : complaint + "; auto is one for each processor";
 }
 
-// The picture to save: the result, or the receiver where the result is none. Null, after a
-// complaint, when the plug-in refused.
-const host::Picture* PictureToSave(const host::CallReport& report, const host::Picture* receiver,
-                                   host::Type resultType, const std::string& call) {
-  if (resultType == host::Type::kPicture && report.ResultPicture() == nullptr) {
-    Complain(call + " was refused by the plug-in: it returned nil");
-    return nullptr;
-  }
-  if (const bool* done = std::get_if<bool>(&report.result); done != nullptr && !*done) {
-    Complain(call + " was refused by the plug-in: it returned false");
-    return nullptr;
-  }
-  return resultType == host::Type::kPicture ? report.ResultPicture() : receiver;
+void AddWords(CLI::App& command, RunCommandLine& line) {
+  command
+      .add_option("IN", line.input,
+                  "The picture: PNG, JPEG or BMP, read as stored (orientation tags are not "
+                  "applied). More pictures may follow it")
+      ->type_name("")
+      ->required();
+  command
+      .add_option("METHOD", line.method,
+                  "The method, in any letter case; picturehost methods lists them. A picture that "
+                  "is called like one is written with its folder, ./NAME")
+      ->type_name("")
+      ->required();
+  command
+      .add_option("ARGS", line.words,
+                  "The method's arguments, in the order of its declaration or as name=value; what "
+                  "is left out takes its declared default. A picture argument is a file or nil. "
+                  "In the place of a width, 800x600, 800x, x600 or 50% stands for width and "
+                  "height; the side left out follows the proportions of IN")
+      ->type_name("");
 }
 
-// A method that answers with a number says it on standard output.
-void PrintNumber(const host::Value& result) {
-  if (const auto* number = std::get_if<std::int32_t>(&result)) std::printf("%d\n", int(*number));
-  if (const auto* fraction = std::get_if<double>(&result)) std::printf("%.17g\n", *fraction);
-}
-
-int Run(const RunOptions& options) {
-  CheckOutput(options.output);
-  host::Runtime runtime(options.host.Runtime());
-  options.host.Follow(runtime);
-  const PluginFile file = options.host.Plugin();
-  const auto plugin = file.Load(runtime);
-  const host::RegisteredMethod* method = plugin->Find(options.method);
-  if (method == nullptr) {
-    throw UsageError("the plug-in has no method '" + options.method +
-                     "'; picturehost methods lists what it has");
-  }
-  const host::Declaration& declaration = method->declaration;
-  Arguments arguments = ParseArguments(declaration, options.words);
-  const bool maskForReceiver = !options.mask.empty() && !HasPicture(arguments);
-  host::Picture* receiver =
-      Load(runtime, options.input, options, maskForReceiver ? Masked::kYes : Masked::kNo);
-  const std::string call = CallText(declaration, arguments) + " on " + receiver->Name() + " of " +
-                           std::to_string(receiver->Width()) + "x" +
-                           std::to_string(receiver->Height());
-  std::optional<Progress> progress;
-  if (SomebodyWatches() && !options.host.trace) {
-    AskForYields(declaration, arguments);
-    progress.emplace(runtime, declaration.name);
-  }
-  const host::CallReport report =
-      plugin->Call(declaration.name, receiver, LoadArguments(runtime, arguments, options));
-  progress.reset();
-
-  const bool wrong = ComplainAbout(report, runtime, call);
-  const host::Picture* result = PictureToSave(report, receiver, declaration.result, call);
-  if (wrong || result == nullptr) return kExitFailure;
-  SavePicture(LeaveHost(*result), options.output);
-  PrintNumber(report.result);
-  return kExitOk;
+void AddOutputs(CLI::App& command, RunOptions& options) {
+  command
+      .add_option("-o,--output", options.output,
+                  "Where to save what a person would see: .png, or .jpg on white. {name} is the "
+                  "name of IN without folder and ending, {ext} its ending, {index} its place, "
+                  "from 1; several pictures need {name} or {index}")
+      ->type_name("OUT")
+      ->required();
+  command
+      .add_option("--jobs", options.jobs,
+                  "How many of several pictures are worked on at a time, each in a process of its "
+                  "own; 0 or auto: one for each processor")
+      ->type_name("N")
+      ->transform(CLI::Validator(CountJobs, "0 to " + std::to_string(kMostJobs) + " or auto"))
+      ->default_str("1");
+  command.add_flag("--json", options.json,
+                   "Print a JSON object for each picture, a line each: input, output, call, width, "
+                   "height, milliseconds, yields, number, status, error");
+  command.add_flag("--quiet", options.quiet, "No progress and no summary; errors are told");
 }
 
 }  // namespace
 
 void AddRunCommand(CLI::App& app, Action& chosen) {
-  const auto options = std::make_shared<RunOptions>();
+  const auto line = std::make_shared<RunCommandLine>();
+  RunOptions& options = line->options;
   CLI::App* command =
-      app.add_subcommand("run", "Call a method of the plug-in on a picture and save the result");
-  command
-      ->add_option("IN", options->input,
-                   "The picture: PNG, JPEG or BMP, read as stored (orientation tags are not "
-                   "applied)")
-      ->type_name("")
-      ->required();
-  command->add_option("METHOD", options->method, "The method, in any letter case")
-      ->type_name("")
-      ->required();
-  command
-      ->add_option("ARGS", options->words,
-                   "The method's arguments, in the order of its declaration or as name=value; what "
-                   "is left out takes its declared default. A picture argument is a file or nil")
-      ->type_name("");
+      app.add_subcommand("run", "Call a method of the plug-in on pictures and save the results");
+  AddWords(*command, *line);
   command
       ->add_option(
-          "--mask", options->mask,
+          "--mask", options.mask,
           "A picture that becomes the mask of the picture argument, or of IN where there is "
           "none: black shows, white hides. Transparency of that picture itself is dropped")
       ->type_name("MASK");
-  command
-      ->add_option("-o,--output", options->output,
-                   "Where to save what a person would see: .png, or .jpg on white")
-      ->type_name("OUT")
-      ->required();
-  AddHostOptions(*command, options->host);
-  command->footer("New pictures of the host start white, those with an alpha channel transparent.");
-  command->callback([options, &chosen] { chosen = [options] { return Run(*options); }; });
+  AddOutputs(*command, options);
+  AddHostOptions(*command, options.host);
+  command->footer(
+      "A plug-in that refuses does not say why; mostly an argument is out of its range. New "
+      "pictures "
+      "of the host start white, those with an alpha channel transparent.\n\n"
+      "Ctrl-C ends a method at its next yield where it yields, at once where it does not. It "
+      "never leaves half an output.\n\n"
+      "Examples:\n"
+      "  picturehost run photo.jpg ScaleZVQ 800x -o small.png\n"
+      "  picturehost run logo.png ScaleZVQ width=200% AntiAlias=true -o large.png\n"
+      "  picturehost run *.jpg ScalingZVQ 3 25% --jobs auto -o 'small/{name}.png'");
+  command->callback([line, &chosen] { chosen = [line] { return Run(*line); }; });
 }
 
 }  // namespace tool

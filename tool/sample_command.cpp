@@ -4,6 +4,7 @@
 
 #include "tool/command.h"
 #include "tool/exit_status.h"
+#include "tool/option_values.h"
 #include "tool/picture_files.h"
 #include "tool/test_pictures.h"
 
@@ -15,24 +16,29 @@ struct SampleOptions {
   std::string output;
 };
 
-std::string Names() {
-  std::string names;
-  for (const TestPicture& picture : TestPictures()) {
-    names +=
-        std::string(names.empty() ? "" : ", ") + picture.name + " (" + picture.description + ")";
-  }
+std::vector<std::string> Names() {
+  std::vector<std::string> names;
+  for (const TestPicture& picture : TestPictures()) names.emplace_back(picture.name);
   return names;
 }
 
 int Draw(const SampleOptions& options) {
+  CheckOutput(options.output);
   for (const TestPicture& picture : TestPictures()) {
-    if (options.name == picture.name) {
-      CheckOutput(options.output);
-      SavePicture(picture.draw(), options.output);
-      return kExitOk;
-    }
+    if (options.name == picture.name) SavePicture(picture.draw(), options.output);
   }
-  throw UsageError("there is no test picture '" + options.name + "'; there are " + Names());
+  return kExitOk;
+}
+
+std::string Footer() {
+  std::string footer = "Pictures:\n";
+  for (const TestPicture& picture : TestPictures()) {
+    footer += "  " + std::string(picture.name) + "  " + picture.description + "\n";
+  }
+  return footer +
+         "\nThey are the same bytes on every machine.\n\n"
+         "Examples:\n"
+         "  picturehost sample scene -o scene.png";
 }
 
 }  // namespace
@@ -40,10 +46,14 @@ int Draw(const SampleOptions& options) {
 void AddSampleCommand(CLI::App& app, Action& chosen) {
   const auto options = std::make_shared<SampleOptions>();
   CLI::App* command = app.add_subcommand("sample", "Draw one of the project's own test pictures");
-  command->add_option("NAME", options->name, Names())->type_name("")->required();
+  command->add_option("NAME", options->name, "The picture")
+      ->type_name("")
+      ->transform(OneOf(Names()))
+      ->required();
   command->add_option("-o,--output", options->output, "Where to save it: .png or .jpg")
       ->type_name("OUT")
       ->required();
+  command->footer(Footer());
   command->callback([options, &chosen] { chosen = [options] { return Draw(*options); }; });
 }
 

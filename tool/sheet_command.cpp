@@ -6,6 +6,7 @@
 #include "tool/command.h"
 #include "tool/contact_sheet.h"
 #include "tool/exit_status.h"
+#include "tool/option_values.h"
 #include "tool/picture_files.h"
 
 namespace tool {
@@ -48,23 +49,31 @@ int Lay(SheetOptions options) {
 
 void AddSheetCommand(CLI::App& app, Action& chosen) {
   const auto options = std::make_shared<SheetOptions>();
-  CLI::App* command = app.add_subcommand("sheet", "Lay pictures side by side on one sheet");
+  CLI::App* command =
+      app.add_subcommand("sheet", "Lay pictures side by side on one sheet, to compare them by eye");
   command->add_option("IN", options->inputs, "The pictures, in reading order")
       ->type_name("")
       ->required();
-  command->add_option("--columns", options->layout.columns, "Pictures in a row (default: all)")
-      ->type_name("N")
-      ->check(CLI::Range(1, 1000));
   command
-      ->add_option("--zoom", options->layout.zoom,
-                   "Magnify without smoothing, 1 to 64 (default: 1)")
+      ->add_option("--columns", options->layout.columns, "Pictures in a row; without it, all are")
       ->type_name("N")
-      ->check(CLI::Range(1, 64));
-  command->add_option("--part", options->part, "Show only this part of each, in its own pixels")
+      ->check(Between(1, 1000));
+  command->add_option("--zoom", options->layout.zoom, "Magnify so many times, without smoothing")
+      ->type_name("N")
+      ->capture_default_str()
+      ->check(Between(1, 64));
+  command
+      ->add_option("--part", options->part,
+                   "Show only this part of each picture, counted in its own pixels")
       ->type_name("LEFT,TOP,WIDTH,HEIGHT");
   command->add_option("-o,--output", options->output, "Where to save it: .png or .jpg")
       ->type_name("OUT")
       ->required();
+  command->footer(
+      "Pictures stand 8 pixels apart on white, in cells of the size of the largest.\n\n"
+      "Examples:\n"
+      "  picturehost sheet before.png after.png -o sheet.png\n"
+      "  picturehost sheet [1-7].png --columns 4 --part 20,30,16,16 --zoom 8 -o detail.png");
   command->callback([options, &chosen] { chosen = [options] { return Lay(*options); }; });
 }
 

@@ -9,6 +9,9 @@
 #include "tool/command.h"
 #include "tool/exit_status.h"
 #include "tool/host_options.h"
+#include "tool/json_text.h"
+#include "tool/option_values.h"
+#include "tool/suggestion.h"
 
 namespace tool {
 namespace {
@@ -47,38 +50,17 @@ std::vector<Check> Chosen(const std::vector<std::string>& names) {
   for (const std::string& name : names) {
     const bool known =
         std::any_of(all.begin(), all.end(), [&](const Check& check) { return check.name == name; });
-    if (!known) throw UsageError("no check '" + name + "'; validate --list lists them");
+    if (!known) {
+      std::vector<std::string> allNames;
+      for (const Check& check : all) allNames.emplace_back(check.name);
+      throw UsageError("no check '" + name + "'" + DidYouMean(name, allNames) +
+                       "; validate --list lists them");
+    }
   }
   std::erase_if(all, [&](const Check& check) {
     return std::find(names.begin(), names.end(), check.name) == names.end();
   });
   return all;
-}
-
-// A text in JSON: quoted, with escapes; what is not UTF-8 becomes U+FFFD.
-std::string Quoted(const std::string& text) {
-  std::string quoted = "\"";
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    char escape[8];
-    if (byte == '"' || byte == '\\') {
-      quoted += {'\\', text[i]};
-    } else if (byte < 0x20 || byte == 0x7F) {
-      std::snprintf(escape, sizeof escape, "\\u%04x", byte);
-      quoted += escape;
-    } else if (byte < 0x80) {
-      quoted += text[i];
-    } else {
-      const std::size_t more = byte >= 0xF0 ? 3 : byte >= 0xE0 ? 2 : 1;
-      bool valid = byte >= 0xC2 && byte <= 0xF4 && i + more < text.size();
-      for (std::size_t k = 1; valid && k <= more; ++k) {
-        valid = (static_cast<unsigned char>(text[i + k]) & 0xC0) == 0x80;
-      }
-      quoted += valid ? text.substr(i, more + 1) : "\\ufffd";
-      if (valid) i += more;
-    }
-  }
-  return quoted + "\"";
 }
 
 void List(const std::vector<Check>& checks, bool json) {
@@ -87,7 +69,7 @@ void List(const std::vector<Check>& checks, bool json) {
   for (const Check& check : checks) {
     if (json) {
       std::printf("%s  {\"name\": %s, \"sentence\": %s, \"random\": %s}", separator,
-                  Quoted(check.name).c_str(), Quoted(check.sentence).c_str(),
+                  JsonText(check.name).c_str(), JsonText(check.sentence).c_str(),
                   check.isRandom ? "true" : "false");
       separator = ",\n";
     } else {
@@ -110,7 +92,7 @@ void PrintLine(const Line& line, std::uint64_t seed) {
 
 void PrintJson(const std::string& path, std::uint64_t seed, const std::vector<Line>& lines,
                std::size_t failed, bool onlyFailed) {
-  std::printf("{\n  \"plugin\": %s,\n  \"seed\": %llu,\n", Quoted(path).c_str(),
+  std::printf("{\n  \"plugin\": %s,\n  \"seed\": %llu,\n", JsonText(path).c_str(),
               static_cast<unsigned long long>(seed));
   std::printf("  \"passed\": %zu,\n  \"failed\": %zu,\n  \"checks\": [", lines.size() - failed,
               failed);
@@ -118,10 +100,10 @@ void PrintJson(const std::string& path, std::uint64_t seed, const std::vector<Li
   for (const Line& line : lines) {
     if (onlyFailed && line.outcome.passed) continue;
     std::printf("%s    {\"name\": %s, \"sentence\": %s, \"passed\": %s", separator,
-                Quoted(line.check.name).c_str(), Quoted(line.check.sentence).c_str(),
+                JsonText(line.check.name).c_str(), JsonText(line.check.sentence).c_str(),
                 line.outcome.passed ? "true" : "false");
     if (!line.outcome.passed)
-      std::printf(", \"message\": %s", Quoted(line.outcome.message).c_str());
+      std::printf(", \"message\": %s", JsonText(line.outcome.message).c_str());
     if (line.check.isRandom) std::printf(", \"seed\": %llu", static_cast<unsigned long long>(seed));
     std::printf("}");
     separator = ",\n";
@@ -175,23 +157,35 @@ void AddValidateCommand(CLI::App& app, Action& chosen) {
       app.add_subcommand("validate", "Check what a plug-in with the five picture methods promises");
   command
       ->add_option("PLUGIN", options->host.plugin,
-                   "The plug-in (default: the one beside this tool)")
+                   "The plug-in: a library, or a package or its folder (default: Varnell.so beside "
+                   "this tool "
+                   "or in ../lib/varnell)")
       ->type_name("");
   command->add_flag("--list", options->list, "Print the checks and what each requires");
   command->add_option("--check", options->names, "Run only this check; may be given several times")
-      ->type_name("NAME");
+      ->type_name("CHECK");
   command->add_flag("--only-failed", options->onlyFailed, "Leave out the checks that pass");
   command->add_flag("--json", options->json, "Print JSON");
-  command->add_option("--timeout", options->timeout, "How long each check may take")
+  command
+      ->add_option("--timeout", options->timeout,
+                   "How long each check may take; one that takes longer has failed")
       ->type_name("SECONDS")
-      ->check(CLI::Range(1, 3600))
+      ->check(Between(1, 3600))
       ->capture_default_str();
-  command->add_option("--seed", options->seed, "What random checks choose by")
+  command
+      ->add_option("--seed", options->seed,
+                   "What random checks choose by, 0 to 2^64 - 1; the same number repeats a failure")
       ->type_name("N")
       ->capture_default_str();
   command->footer(
-      "Each check runs in a process of its own; one that takes 20 seconds has failed.\n"
-      "Exit status: 0 all passed, 1 some failed, 2 could not run.");
+      "Each check runs in a process of its own, so that a crash is one failed check.\n\n"
+      "Examples:\n"
+      "  picturehost validate --only-failed\n"
+      "  picturehost validate Varnell.xojo_plugin --check registers-once --seed 7\n\n"
+      "Exit status:\n"
+      "  0  all checks passed\n"
+      "  1  some failed\n"
+      "  2  could not run: no such check, no such plug-in");
   command->callback([options, &chosen] { chosen = [options] { return Validate(*options); }; });
 }
 

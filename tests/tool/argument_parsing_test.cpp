@@ -115,6 +115,53 @@ TEST(ArgumentParsing, MistakesNameTheDeclaration) {
   for (const auto& row : rows) ExpectRefused(text, row.words, row.reason);
 }
 
+TEST(ArgumentParsing, NearNamesOfParametersAreSuggested) {
+  ExpectRefused("F(width as integer, b as integer)", {"widht=1"},
+                "there is no parameter 'widht'; did you mean 'width'? The declaration is F(width");
+}
+
+TEST(ArgumentParsing, ASizeStandsForWidthAndHeightWhereverTheyAre) {
+  const struct {
+    const char* declaration;
+    std::vector<std::string> words;
+    const char* call;  // on 6x4
+  } rows[] = {
+      {"F(width as integer, height as integer, a as integer = 9)", {"3x"}, "F(3, 2, 9)"},
+      {"F(WIDTH as integer, Height as integer, a as integer)", {"50%", "7"}, "F(3, 2, 7)"},
+      {"F(width as integer, height as integer, a as integer)", {"a=7", "x2"}, "F(3, 2, 7)"},
+      {"F(width as integer, height as integer, a as integer)", {"Width=x2", "a=7"}, "F(3, 2, 7)"},
+      {"F(width as integer, a as integer, height as integer)", {"3x5", "7"}, "F(3, 7, 5)"},
+      {"F(width as integer, a as integer, height as integer, b as picture)",
+       {"3x5", "7", "c=d.png"},
+       "F(3, 7, 5, c=d.png)"},
+      {"F(height as integer, width as integer, a as integer)", {"width=3x5", "a=7"}, "F(5, 3, 7)"},
+      {"F(width as integer = 1, height as integer = 1)", {"200%"}, "F(12, 8)"},
+  };
+  for (const auto& row : rows) {
+    const auto declaration = Declare(row.declaration);
+    Arguments arguments = ParseArguments(declaration, row.words);
+    FitSize(arguments, {6, 4});
+    EXPECT_EQ(CallText(declaration, arguments), row.call);
+    EXPECT_FALSE(arguments.size);
+  }
+}
+
+TEST(ArgumentParsing, ASizeCountsAsGiven) {
+  const auto declaration =
+      Declare("F(width as integer = 1, height as integer = 1, a as integer = 1)");
+  EXPECT_EQ(ParseArguments(declaration, {"3x"}).given, (std::vector<bool>{true, true, false}));
+}
+
+TEST(ArgumentParsing, ASizeNeedsIntegersForBothSides) {
+  ExpectRefused("F(width as integer)", {"3x"}, "'width' must be a whole number of 32 bits, not");
+  ExpectRefused("F(width as integer, height as double)", {"3x"},
+                "'width' must be a whole number of 32 bits, not");
+  ExpectRefused("F(height as integer, width as integer)", {"3x", "2"},
+                "'height' must be a whole number of 32 bits, not");
+  ExpectRefused("F(height as integer, width as integer)", {"3", "2x"}, "'height' is given twice");
+  ExpectRefused("F(width as integer, height as integer)", {"3x2", "1"}, "too many arguments");
+}
+
 TEST(ArgumentParsing, CallTextShowsEveryValue) {
   const auto declaration =
       Declare("F(a as integer, b as double, c as boolean, d as picture = nil)");

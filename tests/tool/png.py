@@ -69,7 +69,11 @@ def unfilter(kind, line, above, step):
 
 def read_png(path):
     """Rows of tuples of 3 or 4 samples, of an 8-bit picture that is not interlaced."""
-    data = path.read_bytes()
+    return parse_png(path.read_bytes())
+
+
+def parse_png(data):
+    """The same, of a file's bytes."""
     assert data[:8] == SIGNATURE, "not a PNG"
     position, packed, header = 8, b"", None
     while position < len(data):

@@ -247,8 +247,8 @@ class Setup(SmallProject):
         (folder / name).write_text("#!/bin/sh\n" + script)
         (folder / name).chmod(0o755)
 
-    def run_setup(self, folder):
-        return self.run_script("setup", env={**os.environ, "PATH": str(folder)})
+    def run_setup(self, folder, *words):
+        return self.run_script("setup", *words, env={**os.environ, "PATH": str(folder)})
 
     def test_says_nothing_when_all_is_there(self):
         result = self.run_setup(self.path_without())
@@ -264,6 +264,17 @@ class Setup(SmallProject):
             result.stdout,
             "sudo apt-get update && sudo apt-get install -y --no-install-recommends ninja-build\n",
         )
+
+    def test_wants_a_browser_only_when_asked_for_one(self):
+        folder = self.path_without("id")
+        self.replace(folder, "id", "echo 1000\n")
+        self.assertEqual(self.run_setup(folder).returncode, 0)
+        result = self.run_setup(folder, "--browser")
+        self.assertEqual(result.returncode, 1)
+        self.assertTrue(result.stdout.endswith(" --no-install-recommends chromium\n"), result.stdout)
+        self.replace(folder, "chromium", "exit 0\n")
+        self.assertEqual(self.run_setup(folder, "--browser").returncode, 0)
+        self.assertEqual(self.run_setup(folder, "--bowser").returncode, 2)
 
     def test_refreshes_the_index_and_installs_what_is_missing(self):
         folder = self.path_without("ninja", "id")

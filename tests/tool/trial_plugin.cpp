@@ -1,8 +1,11 @@
 // A plug-in for the tests of picturehost: methods that do well, refuse, leak, raise and take their
 // time. It extends "Picture" as any plug-in does.
+#include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <initializer_list>
 
 #include "platform/bitmap_context.h"
 #include "plugin/host_interface.h"
@@ -136,6 +139,71 @@ REALpicture Dawdle(REALpicture self, std::int32_t yield) {
   return Itself(self);
 }
 
+void Yield() { Get<REALYieldToRBEntry>("REALYieldToRB")(); }
+
+double SecondsNow() {
+  timespec now = {};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return double(now.tv_sec) + double(now.tv_nsec) * 1e-9;
+}
+
+// Yields once and then works on for so many seconds, whatever signals come.
+REALpicture Stall(REALpicture self, std::int32_t seconds) {
+  Yield();
+  Say("stalls");
+  const double end = SecondsNow() + seconds;
+  while (SecondsNow() < end) {
+  }
+  return Itself(self);
+}
+
+// Yields for about ten seconds, or until an exception comes out of a yield, which it keeps to
+// itself.
+REALpicture Swallow(REALpicture self) {
+  try {
+    for (int i = 0; i < 500; ++i) {
+      const timespec pause = {0, 20000000};
+      nanosleep(&pause, nullptr);
+      Yield();
+    }
+  } catch (...) {
+    Say("swallowed");
+  }
+  return Itself(self);
+}
+
+void YieldWithoutExceptions() noexcept { Yield(); }
+
+// Yields for about ten seconds, and lets no exception pass.
+REALpicture Bar(REALpicture self) {
+  for (int i = 0; i < 500; ++i) {
+    const timespec pause = {0, 20000000};
+    nanosleep(&pause, nullptr);
+    YieldWithoutExceptions();
+  }
+  return Itself(self);
+}
+
+// Ends its process when it is asked for more than a width of 2: by a signal, or in an orderly way.
+REALpicture Perish(REALpicture self, std::int32_t width, std::int32_t, bool orderly) {
+  if (width > 2 && orderly) std::exit(0);
+  if (width > 2) std::raise(SIGKILL);
+  return Itself(self);
+}
+
+// Writes two lines in pieces, on standard output and standard error.
+REALpicture Chatter(REALpicture self) {
+  for (const char* piece : {"one ", "line\n", "another ", "line"}) {
+    for (std::FILE* file : {stdout, stderr}) {
+      std::fputs(piece, file);
+      std::fflush(file);
+    }
+    const timespec pause = {0, 20000000};
+    nanosleep(&pause, nullptr);
+  }
+  return Itself(self);
+}
+
 REALpicture Spell(REALpicture self, REALstring) { return Itself(self); }
 
 constexpr std::uintptr_t kFlags = 4;
@@ -162,6 +230,12 @@ REALmethodDefinition gMethods[] = {
     Method(FormatOfOpaque, "FormatOfOpaque as integer"),
     Method(FormatOfClear, "FormatOfClear as integer"),
     Method(Dawdle, "Dawdle(YieldTicks as integer = 0) as picture"),
+    Method(Stall, "Stall(seconds as integer) as picture"),
+    Method(Swallow, "Swallow as picture"),
+    Method(Bar, "Bar as picture"),
+    Method(Perish,
+           "Perish(width as integer, height as integer, orderly as boolean = false) as picture"),
+    Method(Chatter, "Chatter as picture"),
     Method(Spell, "Spell(text as string) as picture"),
 };
 
