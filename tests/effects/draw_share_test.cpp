@@ -32,7 +32,7 @@ int WrongProducts(const FixedShare& share, double weight) {
 TEST(FixedShare, GivesEveryProductOfAWeight) {
   std::mt19937 random(7);
   for (int i = 0; i < 20000; ++i) {
-    const double weight = random() / 4294967296.0 * (i % 2 == 0 ? 1 : 2);
+    const double weight = static_cast<double>(random()) / 4294967296.0 * (i % 2 == 0 ? 1 : 2);
     FixedShare share;
     ASSERT_TRUE(FindFixedShare(weight, share)) << weight;
     ASSERT_EQ(WrongProducts(share, weight), 0) << weight;
