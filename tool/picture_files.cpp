@@ -122,7 +122,9 @@ void CheckOutput(const std::string& path) {
   OutputFile(path).Check();
 }
 
-std::vector<unsigned char> EncodePng(const Bitmap& picture) { return Encode(picture, Format::kPng); }
+std::vector<unsigned char> EncodePng(const Bitmap& picture) {
+  return Encode(picture, Format::kPng);
+}
 
 void SavePicture(const Bitmap& picture, const std::string& path) {
   const Format format = FormatOf(path);

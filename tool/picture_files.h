@@ -17,8 +17,8 @@ Bitmap LoadPicture(const std::string& path);
 // it is already clear that no file can be written there.
 void CheckOutput(const std::string& path);
 
-// The bytes of a PNG file, with alpha where the picture has it. Throws Failure with the reason alone when
-// the picture has no pixels or is too large for the writer.
+// The bytes of a PNG file, with alpha where the picture has it. Throws Failure with the reason
+// alone when the picture has no pixels or is too large for the writer.
 std::vector<unsigned char> EncodePng(const Bitmap& picture);
 
 // Writes .png, .jpg or .jpeg (any case). JPEG has no transparency: such pictures are laid on white.
