@@ -55,7 +55,7 @@ bool Register(std::vector<Peer> peers) {
 }
 
 bool TakesNearest(const Work& work) {
-  return work.kind == Kind::kFast || (work.Resamples(2) && !work.Shrinks());
+  return !work.Shrinks() && (work.kind == Kind::kFast || work.Resamples(2));
 }
 
 bool InterpolatesRow(const Work& work) { return work.kind == Kind::kFast && work.Shrinks(); }

@@ -32,7 +32,7 @@ struct Peer {
 bool Register(std::vector<Peer> peers);
 
 // What a library's way of working is comparable with.
-bool TakesNearest(const Work& work);     // one pixel for each pixel
+bool TakesNearest(const Work& work);     // one pixel for each pixel, enlarging
 bool InterpolatesRow(const Work& work);  // shrinking by what lies around a point, no more
 bool Interpolates(const Work& work);     // two taps a direction, enlarging
 bool WeighsTriangle(const Work& work);   // a triangle, as wide as the factor when shrinking

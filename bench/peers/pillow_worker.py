@@ -33,7 +33,7 @@ def resamples(work, *modes):
 # By name: what it is comparable with, and what makes the act.
 CANDIDATES = {
     "pillow nearest": (
-        lambda work: work["kind"] == "fast" or (resamples(work, 2) and not shrinks(work)),
+        lambda work: not shrinks(work) and (work["kind"] == "fast" or resamples(work, 2)),
         scaling(Image.NEAREST),
     ),
     "pillow bilinear": (lambda work: work["kind"] == "smooth" or resamples(work, 1), scaling(Image.BILINEAR)),

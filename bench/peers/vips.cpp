@@ -70,10 +70,9 @@ Act Mean(const Work& work, Scene& scene) {
 bool IsMitchell(const Work& work) { return work.Resamples(5) && work.Shrinks(); }
 bool IsCubic(const Work& work) { return WeighsCubic(work) && !IsMitchell(work); }
 bool ReducesSix(const Work& work) { return WeighsSix(work) && work.Shrinks(); }
-bool EnlargesNearest(const Work& work) { return TakesNearest(work) && !work.Shrinks(); }
 
 const bool kRegistered = Register({
-    Scaling("vips nearest", VIPS_KERNEL_NEAREST, EnlargesNearest),
+    Scaling("vips nearest", VIPS_KERNEL_NEAREST, TakesNearest),
     Scaling("vips linear", VIPS_KERNEL_LINEAR, WeighsTriangle),
     Scaling("vips mitchell", VIPS_KERNEL_MITCHELL, IsMitchell),
     Scaling("vips cubic", VIPS_KERNEL_CUBIC, IsCubic),
