@@ -11,6 +11,7 @@ namespace {
 
 using resample_tests::BuiltLists;
 using resample_tests::Comparison;
+using resample_tests::HandMadeLists;
 using resample_tests::kBicubic;
 using resample_tests::kBox;
 using resample_tests::Kernel;
@@ -207,6 +208,28 @@ TEST(LanePasses, DoNotKeepTheListsOfTheColumns) {
     columns.Clear();
     second.FilterRow(rows[0], PixelLayout::kRedFirst, cleared);
     EXPECT_EQ(std::memcmp(kept, cleared, sizeof kept), 0);
+  }
+}
+
+// A row that repeats is copied, but not from a row in another layout.
+TEST(LanePasses, RepeatARowInEachLayout) {
+  Random random(33104305);
+  const Source source(9, 5, PixelLayout::kRedFirst, Picture::kNoise, random);
+  const HandMadeLists columns({{0, {1.0F}}, {1, {1.0F}}, {2, {1.0F}}});
+  const HandMadeLists rows({{3, {1.0F}}});
+  const PixelLayout layouts[] = {PixelLayout::kBlueFirst, PixelLayout::kAlphaFirst,
+                                 PixelLayout::kAlphaFirst, PixelLayout::kRedFirst};
+  for (const VectorLevel level : Levels()) {
+    std::uint32_t image[3 * 5], result[std::size(layouts)][3];
+    LanePasses lanes;
+    ASSERT_TRUE(lanes.Prepare(source.reader, columns, image, 1, level));
+    for (std::size_t i = 0; i < std::size(layouts); ++i) {
+      lanes.FilterRow(rows[0], layouts[i], result[i]);
+      for (std::int32_t x = 0; x < 3; ++x) {
+        const Rgb colour = Decode(PixelLayout::kRedFirst, source.Row(3)[x]);
+        EXPECT_EQ(result[i][x], EncodeOpaque(layouts[i], colour)) << i;
+      }
+    }
   }
 }
 
