@@ -107,7 +107,7 @@ void AddOutputs(CLI::App& command, RunOptions& options) {
       .add_option("-o,--output", options.output,
                   "Where to save what a person would see: .png, or .jpg on white. {name} is the "
                   "name of IN without folder and ending, {ext} its ending, {index} its place, "
-                  "from 1; several pictures need {name} or {index}")
+                  "from 1; several pictures need {name} or {index}. Its folder must be there")
       ->type_name("OUT")
       ->required();
   command
@@ -148,7 +148,7 @@ void AddRunCommand(CLI::App& app, Action& chosen) {
       "Examples:\n"
       "  picturehost run photo.jpg ScaleZVQ 800x -o small.png\n"
       "  picturehost run logo.png ScaleZVQ width=200% AntiAlias=true -o large.png\n"
-      "  picturehost run *.jpg ScalingZVQ 3 25% --jobs auto -o 'small/{name}.png'");
+      "  picturehost run *.jpg ScalingZVQ 3 25% --jobs auto -o 'quarter-{name}.png'");
   command->callback([line, &chosen] { chosen = [line] { return Run(*line); }; });
 }
 
