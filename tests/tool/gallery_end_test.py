@@ -1,7 +1,6 @@
 """picturehost gallery: how it ends, and what a person at a terminal sees of it."""
 
 import os
-import pty
 import re
 import signal
 import subprocess
@@ -100,29 +99,7 @@ class GalleryEnd(GalleryTest):
 
 class GalleryProgress(GalleryTest):
     def seen(self, *words, **environment):
-        """Standard error of a run whose standard error is a terminal."""
-        terminal, other_end = pty.openpty()
-        process = subprocess.Popen(
-            [PICTUREHOST, "gallery", "-o", "out", *words],
-            cwd=self.folder,
-            env={**{k: v for k, v in os.environ.items() if k != "NO_COLOR"}, **environment},
-            stdin=subprocess.DEVNULL,
-            stdout=subprocess.DEVNULL,
-            stderr=other_end,
-        )
-        os.close(other_end)
-        text = b""
-        while True:
-            try:
-                block = os.read(terminal, 4096)
-            except OSError:  # the other end is closed
-                break
-            if not block:
-                break
-            text += block
-        os.close(terminal)
-        self.assertEqual(process.wait(), 0, text)
-        return text.decode()
+        return self.seen_on_terminal("gallery", "-o", "out", *words, **environment)
 
     def setUp(self):
         super().setUp()

@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import pty
 import subprocess
 import tempfile
 import unittest
@@ -32,6 +33,32 @@ class PicturehostTest(unittest.TestCase):
             timeout=110,
             **options,
         )
+
+    def seen_on_terminal(self, *words, **environment):
+        """Standard error of a run that ends well and whose standard error is a terminal. NO_COLOR is set only where
+        it is given."""
+        terminal, other_end = pty.openpty()
+        process = subprocess.Popen(
+            [PICTUREHOST, *map(str, words)],
+            cwd=self.folder,
+            env={**{k: v for k, v in os.environ.items() if k != "NO_COLOR"}, **environment},
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.DEVNULL,
+            stderr=other_end,
+        )
+        os.close(other_end)
+        text = b""
+        while True:
+            try:
+                block = os.read(terminal, 4096)
+            except OSError:  # the other end is closed
+                break
+            if not block:
+                break
+            text += block
+        os.close(terminal)
+        self.assertEqual(process.wait(), 0, text)
+        return text.decode()
 
     def trial(self, *words, **options):
         """Runs a method of the trial plug-in."""

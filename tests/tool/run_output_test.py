@@ -1,11 +1,8 @@
 """picturehost: what goes to standard output and to standard error; JSON and --quiet."""
 
 import json
-import os
-import pty
-import subprocess
 
-from harness import PICTUREHOST, TRIAL_PLUGIN, PicturehostTest, main
+from harness import TRIAL_PLUGIN, PicturehostTest, main
 from png import write_png
 
 KEYS = [
@@ -91,22 +88,7 @@ class Quiet(PicturehostTest):
             self.assertEqual(result.stderr.count("\n"), lines, result.stderr)
 
     def at_a_terminal(self, *words):
-        terminal, other_end = pty.openpty()
-        process = subprocess.Popen(
-            [PICTUREHOST, "run", *words, "--plugin", TRIAL_PLUGIN],
-            cwd=self.folder, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=other_end,
-            env={name: value for name, value in os.environ.items() if name != "NO_COLOR"},
-        )  # fmt: skip
-        os.close(other_end)
-        text = b""
-        try:
-            while block := os.read(terminal, 4096):
-                text += block
-        except OSError:  # the other end is closed
-            pass
-        os.close(terminal)
-        self.assertEqual(process.wait(), 0, text)
-        return text.decode()
+        return self.seen_on_terminal("run", *words, "--plugin", TRIAL_PLUGIN)
 
     def test_no_progress(self):
         for words in (("in.png", "-o", "o.png"), ("in.png", "in.png", "-o", "{index}.png")):

@@ -1,7 +1,5 @@
 """picturehost: what a person at a terminal sees of long work, and what an interruption leaves."""
 
-import os
-import pty
 import re
 import signal
 import subprocess
@@ -12,28 +10,9 @@ from harness import PICTUREHOST, TRIAL_PLUGIN, PicturehostTest, main
 
 class Terminal(PicturehostTest):
     def seen(self, *words):
-        """Standard error of a run whose standard error is a terminal."""
-        terminal, other_end = pty.openpty()
-        process = subprocess.Popen(
-            [PICTUREHOST, "run", "in.png", *words, "--plugin", TRIAL_PLUGIN, "-o", "out.png"],
-            cwd=self.folder,
-            stdin=subprocess.DEVNULL,
-            stdout=subprocess.DEVNULL,
-            stderr=other_end,
-        )
-        os.close(other_end)
-        text = b""
-        while True:
-            try:
-                block = os.read(terminal, 4096)
-            except OSError:  # the other end is closed
-                break
-            if not block:
-                break
-            text += block
-        os.close(terminal)
-        self.assertEqual(process.wait(), 0, text)
-        return text.decode()
+        return self.seen_on_terminal(
+            "run", "in.png", *words, "--plugin", TRIAL_PLUGIN, "-o", "out.png"
+        )  # fmt: skip
 
     def test_a_line_shows_the_time_passed_and_is_cleared_at_the_end(self):
         text = self.seen("Dawdle")
