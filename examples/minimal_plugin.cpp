@@ -69,7 +69,7 @@ extern "C" __attribute__((visibility("default"))) void REALPluginMain(REALresolv
   const auto announce = Get<RegisterPluginVersionEntry>("RegisterPluginVersion");
   const auto add = Get<PluginRegisterClassExtensionEntry>("PluginRegisterClassExtension");
   if (version == nullptr || announce == nullptr || add == nullptr || version() < 2012.0) return;
-  gPicture.version = 10;  // the form of the records; newer hosts read it too
+  gPicture.version = 10;  // the form of the records; older hosts read another, newer ones this too
   gPicture.className = "Picture";
   gPicture.methods = gMethods;
   gPicture.methodCount = sizeof gMethods / sizeof gMethods[0];
