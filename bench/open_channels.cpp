@@ -53,8 +53,8 @@ bool Count(const Work& work) {
   }
   const double along = 3.0 * work.width * work.sourceHeight;
   const double down = 3.0 * work.width * work.height;
-  const LanePasses::OpenTotals& first = lanes.OpenAlong();
-  const LanePasses::OpenTotals& second = lanes.OpenDown();
+  const OpenChannels& first = lanes.OpenAlong();
+  const OpenChannels& second = lanes.OpenDown();
   std::cout << static_cast<double>(first.coarse) / along << ' '
             << static_cast<double>(first.fine) / along << ' '
             << static_cast<double>(second.coarse) / down << ' '

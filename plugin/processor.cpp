@@ -23,7 +23,8 @@ VectorLevel Ask() {
   if ((c & bit_SSSE3) == 0 || (c & bit_SSE4_1) == 0) return VectorLevel::kSse2;
   const bool kept = (c & bit_OSXSAVE) != 0 && (c & bit_AVX) != 0 &&
                     (KeptRegisters() & kWideRegisters) == kWideRegisters;
-  if (!kept || __get_cpuid_count(7, 0, &a, &b, &c, &d) == 0) return VectorLevel::kSse41;
+  const bool floats = (c & bit_FMA) != 0 && (c & bit_F16C) != 0;
+  if (!kept || !floats || __get_cpuid_count(7, 0, &a, &b, &c, &d) == 0) return VectorLevel::kSse41;
   return (b & bit_AVX2) != 0 ? VectorLevel::kAvx2 : VectorLevel::kSse41;
 }
 #else

@@ -6,7 +6,7 @@ enum class VectorLevel {
   kScalar,
   kSse2,
   kSse41,  // with SSSE3
-  kAvx2,   // kept by the system, too
+  kAvx2,   // with FMA and F16C; kept by the system, too
 };
 
 // The best level of this processor; asked for once, then remembered. For the host's thread only.
@@ -20,3 +20,4 @@ VectorLevel ChosenVectorLevel();
 // function compiled with them could take the place of its other copies everywhere.
 #define VARNELL_SSE41 __attribute__((target("ssse3,sse4.1")))
 #define VARNELL_AVX2 __attribute__((target("ssse3,sse4.1,avx,avx2")))
+#define VARNELL_AVX2_FMA __attribute__((target("ssse3,sse4.1,avx,avx2,fma,f16c")))

@@ -4,86 +4,23 @@
 #include <cstddef>
 #include <cstring>
 
+#include "resample/list_facts.h"
+
 namespace {
 
 constexpr std::int32_t kMostBits = 20;
 constexpr std::int32_t kMostFineBits = 15;
-constexpr std::int32_t kWidestMean = 4096;  // pixels
-constexpr double kMiddle = 127.5;           // of the channel values
+constexpr double kMiddle = 127.5;  // of the channel values
 constexpr double kHalf = 0.5;
 
-std::int32_t FirstPixel(const ContributionList& list) { return list.entries[0].pixel; }
-std::int32_t LastPixel(const ContributionList& list) { return list.entries[list.count - 1].pixel; }
-
-double PowerOfTwo(std::int32_t exponent) {
-  return static_cast<double>(std::int64_t{1} << exponent);
-}
-
-// To the nearest integer, in doubles up to 2^50.
-double Rounded(double value) {
-  constexpr double kNoFractions = 6755399441055744.0;  // 1.5·2^52
-  return (value + kNoFractions) - kNoFractions;
-}
-
-double ReciprocalOf(const ContributionList& list) { return 1.0 / static_cast<double>(list.total); }
-
-// Whether the definition's channel is the mean of neighbouring pixels, a half rounded up. Single
-// precision gives the same, divided with a reciprocal: (sum + count/2 + 1/4) is exact, the quotient
-// at least 1/4 / kWidestMean away from the integers next to it, and off by less than 2^-14.
-bool IsMean(const ContributionList& list) {
-  if (list.count == 0) return true;
-  if (list.count > kWidestMean || static_cast<double>(list.total) != list.count ||
-      LastPixel(list) - FirstPixel(list) != list.count - 1) {
-    return false;
-  }
-  for (std::int32_t k = 0; k < list.count; ++k) {
-    if (list.entries[k].weight != 1.0F) return false;
-  }
-  return true;
-}
-
-// Whether every n is a multiple of 2^-bits and the definition's floats round nothing. All sums are
-// multiples of total / 2^bits then, with factors of 29 bits at most, and total has 24: no more than
-// the 53 of doubles. A weight of 16 bits has exact products with channels in single precision, too.
-bool IsExact(const ContributionList& list, std::int32_t bits) {
-  const double reciprocal = ReciprocalOf(list);
-  for (std::int32_t k = 0; k < list.count; ++k) {
-    const float weight = list.entries[k].weight;
-    std::uint32_t word = 0;
-    std::memcpy(&word, &weight, sizeof word);
-    const double scaled = weight * reciprocal * PowerOfTwo(bits);
-    const bool isMultiple = scaled == Rounded(scaled) &&
-                            scaled * static_cast<double>(list.total) == weight * PowerOfTwo(bits);
-    if ((word & 0xFFU) != 0 || !isMultiple) return false;
-  }
-  return true;
-}
-
-// What decides about the scale of a list.
-struct Extremes {
-  double weight = 0.0;  // largest |n|
-  double sum = 0.0;     // of all |n|
-
-  // Not very large, and numbers at all.
-  bool AreUsual() const { return sum < 64.0; }
-};
-
-Extremes ExtremesOf(const ContributionList& list) {
-  Extremes extremes;
-  const double reciprocal = ReciprocalOf(list);
-  for (std::int32_t k = 0; k < list.count; ++k) {
-    const double n = std::fabs(list.entries[k].weight * reciprocal);
-    if (n > extremes.weight) extremes.weight = n;
-    extremes.sum += n;
-  }
-  return extremes;
-}
+// Not very large, and numbers at all.
+bool AreUsual(const Extremes& extremes) { return extremes.sum < 64.0; }
 
 // The finest scale at which weights have 16 bits and sums of 255·|n| have 29. For unusual weights
 // one at which the fine window of LeaveOpen is wider than a channel.
 std::int32_t BitsFor(const ContributionList& list) {
   const Extremes extremes = ExtremesOf(list);
-  if (!extremes.AreUsual()) return kMostFineBits;
+  if (!AreUsual(extremes)) return kMostFineBits;
   std::int32_t bits = kMostBits;
   while (extremes.weight * PowerOfTwo(bits) > 32766.0 ||
          extremes.sum * PowerOfTwo(bits) > PowerOfTwo(21)) {
@@ -99,9 +36,11 @@ std::int32_t FineBitsFor(std::int32_t taps) {
   return bits;
 }
 
-bool AreMeans(const ContributionList* lists, std::int32_t count) {
+// Means of 2, 4, 8 and so on pixels are exact when shifted, too, which takes less than to divide.
+bool AreHalvedAndHalved(const ContributionList* lists, std::int32_t count) {
   for (std::int32_t i = 0; i < count; ++i) {
-    if (!IsMean(lists[i])) return false;
+    const std::int32_t pixels = lists[i].count;
+    if (pixels < 2 || (pixels & (pixels - 1)) != 0) return false;
   }
   return true;
 }
@@ -170,7 +109,7 @@ std::int32_t Allowance(const Rest& rest, double floats) {
 // The list's head has its place and scale.
 void FixList(const ContributionList& list, const Place& place) {
   const Extremes extremes = ExtremesOf(list);
-  if (!extremes.AreUsual()) return LeaveOpen(list, place);
+  if (!AreUsual(extremes)) return LeaveOpen(list, place);
   FixedHead& head = *place.head;
   const double scale = PowerOfTwo(head.bits);
   Rest coarse, fine;
@@ -210,19 +149,13 @@ void FixMeans(const ContributionList* lists, std::int32_t count, const FixedWeig
   for (std::int32_t i = 0; i < count; ++i) FixTaps(lists[i], 1.0, PlaceOf(fixed, i), none, none);
 }
 
-// Simple scales repeat their weights after a few lists. The lists' places must be known.
+// One whose pixels are even where this one's are. The lists' places must be known.
 std::int32_t TwinOf(const ContributionList* lists, std::int32_t index, const FixedWeights& fixed) {
-  constexpr std::int32_t kMost = 4;
-  for (std::int32_t before = 1; before <= kMost && before <= index; ++before) {
-    const std::int32_t moved = fixed.heads[index].firstPair - fixed.heads[index - before].firstPair;
-    const ContributionList& other = lists[index - before];
-    if (other.count == 0 || lists[index].count == 0) continue;
-    if (FirstPixel(lists[index]) - FirstPixel(other) == 2 * moved &&
-        AreTwins(lists[index], other)) {
-      return before;
-    }
-  }
-  return 0;
+  return TwinOf(lists, index, [&](std::int32_t other) {
+    if (lists[other].count == 0 || lists[index].count == 0) return false;
+    const std::int32_t moved = fixed.heads[index].firstPair - fixed.heads[other].firstPair;
+    return FirstPixel(lists[index]) - FirstPixel(lists[other]) == 2 * moved;
+  });
 }
 
 void CopyTwin(std::int32_t index, const FixedWeights& fixed) {
@@ -280,7 +213,7 @@ void FixWeights(const ContributionList* lists, std::int32_t count, std::int32_t 
   std::memset(fixed.weights, 0, 2 * words * sizeof *fixed.weights);
   PlaceHeads(lists, count, sourceSize, fixed);
   fixed.fineBits = FineBitsFor(2 * fixed.pairs);
-  fixed.areMeans = AreMeans(lists, count);
+  fixed.areMeans = AreMeans(lists, count) && !AreHalvedAndHalved(lists, count);
   if (fixed.areMeans) return FixMeans(lists, count, fixed);
   for (std::int32_t i = 0; i < count; i += kListGroup) {
     FixGroup(lists, i, count - i < kListGroup ? count - i : kListGroup, fixed);
@@ -288,14 +221,19 @@ void FixWeights(const ContributionList* lists, std::int32_t count, std::int32_t 
 }
 
 bool AreTwins(const ContributionList& a, const ContributionList& b) {
-  if (a.count == 0 || a.count != b.count || !(a.total == b.total)) return false;
-  const std::int32_t moved = FirstPixel(a) - FirstPixel(b);
-  if (moved % 2 != 0) return false;
-  for (std::int32_t k = 0; k < a.count; ++k) {
-    if (a.entries[k].weight != b.entries[k].weight) return false;
-    if (a.entries[k].pixel - b.entries[k].pixel != moved) return false;
+  return AreAlike(a, b) && (FirstPixel(a) - FirstPixel(b)) % 2 == 0;
+}
+
+double ShareLeftOpen(const ContributionList& list) {
+  if (list.count == 0 || !AreUsual(ExtremesOf(list))) return 1.0;
+  const double scale = PowerOfTwo(BitsFor(list));
+  const double factor = ReciprocalOf(list) * scale;
+  Rest rest;
+  for (std::int32_t k = 0; k < list.count; ++k) {
+    const double scaled = list.entries[k].weight * factor;
+    rest.Add(scaled - Rounded(scaled));
   }
-  return true;
+  return 2.0 * kMiddle * rest.size / scale;
 }
 
 Rounding RoundingOf(const FixedWeights& fixed, std::int32_t first, std::int32_t count) {

@@ -5,13 +5,7 @@
 #include <cstdint>
 
 #include "resample/contributions.h"
-
-// How a channel comes from its sum.
-enum class Rounding {
-  kExact,    // shifted: the integers are what the weights are
-  kChecked,  // shifted, unless it is too near to the next channel value to be sure
-  kMean,     // divided: all weights are 1
-};
+#include "resample/lane_piece.h"
 
 // What belongs to one list, beside its weights.
 struct FixedHead {
@@ -62,6 +56,10 @@ void FixWeights(const ContributionList* lists, std::int32_t count, std::int32_t 
 
 // Whether two lists have the same weights, up to an even number of pixels.
 bool AreTwins(const ContributionList& a, const ContributionList& b);
+
+// Which share of channels, of evenly distributed sums, the coarse weights of a list would leave
+// open.
+double ShareLeftOpen(const ContributionList& list);
 
 // How the channels of some of its lists come from their sums.
 Rounding RoundingOf(const FixedWeights& fixed, std::int32_t first, std::int32_t count);

@@ -7,6 +7,7 @@
 
 #include "resample/lane_kernels.h"
 #include "resample/x86/lane_sums.h"
+#include "resample/x86/lane_words.h"
 
 namespace {
 
@@ -169,9 +170,8 @@ LANES_FUNCTION void FilterPieceBy(const FixedWeights& lists, const SpreadPair* p
 }
 
 // Decides the open channels of a piece.
-LANES_FUNCTION OpenChannels DecideColumns(const FixedWeights& lists, const SpreadPair* pairs,
-                                          Piece piece, OpenList& open, ColumnBytes* columns) {
-  OpenChannels counts;
+LANES_FUNCTION void DecideColumns(const FixedWeights& lists, const SpreadPair* pairs, Piece piece,
+                                  OpenList& open, ColumnBytes* columns, OpenChannels& counts) {
   open.Collect(piece.count);
   for (std::int32_t k = 0; k < open.Count(); ++k) {
     const OpenChannel next = open[k];
@@ -181,21 +181,19 @@ LANES_FUNCTION OpenChannels DecideColumns(const FixedWeights& lists, const Sprea
     StoreQuarters(columns[next.place] + 4 * next.channel,
                   Bytes(channel, channel, channel, channel));
   }
-  return counts;
 }
 
-LANES_FUNCTION OpenChannels Along(const FixedWeights& lists, const SpreadPair* pairs, Piece piece,
-                                  RingBlock* result, std::size_t stride) {
+LANES_FUNCTION void Along(const FixedWeights& lists, const SpreadPair* pairs, Piece piece,
+                          RingBlock* result, std::size_t stride, OpenChannels& counts) {
   alignas(32) ColumnBytes columns[kLongestAlong];
   OpenList open;
-  OpenChannels counts;
   switch (piece.rounding) {
     case Rounding::kExact:
       FilterPieceBy<Rounding::kExact>(lists, pairs, piece, columns, open);
       break;
     case Rounding::kChecked:
       FilterPieceBy<Rounding::kChecked>(lists, pairs, piece, columns, open);
-      counts = DecideColumns(lists, pairs, piece, open, columns);
+      DecideColumns(lists, pairs, piece, open, columns, counts);
       break;
     case Rounding::kMean:
       FilterPieceBy<Rounding::kMean>(lists, pairs, piece, columns, open);
@@ -204,27 +202,6 @@ LANES_FUNCTION OpenChannels Along(const FixedWeights& lists, const SpreadPair* p
   std::int32_t i = piece.count;
   for (; i % kLanes != 0; ++i) Store(columns[i], Zero());
   for (i = 0; i < piece.count; i += kLanes) StoreBlock(columns + i, result + i / kLanes, stride);
-  return counts;
-}
-
-template <PixelLayout layout>
-LANES_INLINE Lanes Words(const LaneChannels& channels) {
-  switch (layout) {
-    case PixelLayout::kRedFirst:
-      return Woven(Bytes(channels.red, channels.green, channels.blue, Broadcast(255)));
-    case PixelLayout::kAlphaFirst:
-      return Woven(Bytes(Broadcast(255), channels.red, channels.green, channels.blue));
-    default:
-      return Woven(Bytes(channels.blue, channels.green, channels.red, Zero()));
-  }
-}
-
-// Eight words, or the first ones of eight.
-LANES_INLINE void StoreWords(Lanes words, std::int32_t count, std::uint32_t* result) {
-  if (count >= kLanes) return Store(result, words);
-  std::uint32_t all[kLanes];
-  Store(all, words);
-  std::memcpy(result, all, static_cast<std::size_t>(count) * sizeof *all);
 }
 
 // Replaces what the mask tells.
@@ -276,9 +253,9 @@ inline constexpr std::uint32_t kChannelBits[kChannels] = {
 
 // Decides the open channels of a piece, and writes them.
 template <PixelLayout layout>
-LANES_FUNCTION OpenChannels DecideWords(const FixedWeights& list, const RingBlock* const* pairs,
-                                        Piece piece, OpenList& open, std::uint32_t* result) {
-  OpenChannels counts;
+LANES_FUNCTION void DecideWords(const FixedWeights& list, const RingBlock* const* pairs,
+                                Piece piece, OpenList& open, std::uint32_t* result,
+                                OpenChannels& counts) {
   open.Collect((piece.count + kLanes - 1) / kLanes);
   for (std::int32_t k = 0; k < open.Count(); ++k) {
     const OpenChannel next = open[k];
@@ -289,47 +266,44 @@ LANES_FUNCTION OpenChannels DecideWords(const FixedWeights& list, const RingBloc
     const std::int32_t x = next.place * kLanes;
     ReplaceWords(words, mask, piece.count - x, result + x);
   }
-  return counts;
 }
 
 template <PixelLayout layout>
-LANES_FUNCTION OpenChannels DownAs(const FixedWeights& list, const RingBlock* const* pairs,
-                                   Piece piece, std::uint32_t* result) {
+LANES_FUNCTION void DownAs(const FixedWeights& list, const RingBlock* const* pairs, Piece piece,
+                           std::uint32_t* result, OpenChannels& counts) {
   OpenList open;
   switch (piece.rounding) {
     case Rounding::kExact:
       FilterDownBy<Rounding::kExact, layout>(list, pairs, piece, result, open);
-      return {};
+      return;
     case Rounding::kChecked:
       FilterDownBy<Rounding::kChecked, layout>(list, pairs, piece, result, open);
-      return DecideWords<layout>(list, pairs, piece, open, result);
+      return DecideWords<layout>(list, pairs, piece, open, result, counts);
     default:
       FilterDownBy<Rounding::kMean, layout>(list, pairs, piece, result, open);
-      return {};
+      return;
   }
 }
 
-LANES_FUNCTION OpenChannels Down(const FixedWeights& list, const RingBlock* const* pairs,
-                                 Piece piece, PixelLayout layout, std::uint32_t* result) {
+LANES_FUNCTION void Down(const FixedWeights& list, const RingBlock* const* pairs, Piece piece,
+                         PixelLayout layout, std::uint32_t* result, OpenChannels& counts) {
   switch (layout) {
     case PixelLayout::kRedFirst:
-      return DownAs<PixelLayout::kRedFirst>(list, pairs, piece, result);
+      return DownAs<PixelLayout::kRedFirst>(list, pairs, piece, result, counts);
     case PixelLayout::kAlphaFirst:
-      return DownAs<PixelLayout::kAlphaFirst>(list, pairs, piece, result);
+      return DownAs<PixelLayout::kAlphaFirst>(list, pairs, piece, result, counts);
     default:
-      return DownAs<PixelLayout::kBlueFirst>(list, pairs, piece, result);
+      return DownAs<PixelLayout::kBlueFirst>(list, pairs, piece, result, counts);
   }
 }
 
-LANES_FUNCTION void Pick(const std::uint32_t* source, const std::int32_t* columns,
-                         std::int32_t reaching, std::int32_t count, const Recolouring& change,
-                         std::uint32_t* result) {
+LANES_FUNCTION void Pick(const std::uint32_t* source, const PickedEight* eights, std::int32_t count,
+                         const Recolouring& change, std::uint32_t* result) {
   const Recolourer recolour(change);
-  std::int32_t i = 0;
-  for (; i + kLanes <= reaching; i += kLanes) {
-    Store(result + i, recolour(Picked(source, columns + i)));
+  for (std::int32_t i = 0; i < count; ++i) {
+    const PickedEight& eight = eights[i];
+    Store(result + eight.first, recolour(Picked(source + eight.start, eight.places)));
   }
-  for (; i < count; ++i) result[i] = Recoloured(change, source[columns[i]]);
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "resample/fixed_weights.h"
 #include "resample/lane_kernels.h"
 #include "resample/passes.h"
+#include "resample/x86/lane_words.h"
 
 namespace {
 
@@ -36,10 +37,6 @@ struct LaneScale {
 LANES_INLINE LaneScale ScaleOf(std::int32_t bits) {
   return {_mm_cvtsi32_si128(bits), Broadcast((1U << bits) - 1)};
 }
-
-struct LaneChannels {
-  Lanes red, green, blue;
-};
 
 template <typename Source>
 LANES_INLINE void AddPair(const Source& source, std::int32_t pair, std::uint32_t weights,

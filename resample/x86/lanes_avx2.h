@@ -108,10 +108,9 @@ LANES_INLINE Lanes HighHalves(Lanes a, Lanes b) {
 LANES_INLINE Lanes LowBytes(Lanes a) { return _mm256_and_si256(a, _mm256_set1_epi16(0xFF)); }
 LANES_INLINE Lanes HighBytes(Lanes a) { return _mm256_srli_epi16(a, 8); }
 
-// Eight pixels that lie within eight from the first of them on.
-LANES_INLINE Lanes Picked(const std::uint32_t* source, const std::int32_t* columns) {
-  const __m256i places = _mm256_sub_epi32(Load(columns), _mm256_set1_epi32(columns[0]));
-  return _mm256_permutevar8x32_epi32(Load(source + columns[0]), places);
+// Any of eight pixels, by places of 0..7.
+LANES_INLINE Lanes Picked(const std::uint32_t* source, const std::int32_t* places) {
+  return _mm256_permutevar8x32_epi32(Load(source), Load(places));
 }
 
 // Words in another layout, made opaque.

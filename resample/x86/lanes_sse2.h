@@ -145,8 +145,8 @@ LANES_INLINE Lanes HighBytes(Lanes a) {
   return {_mm_srli_epi16(a.low, 8), _mm_srli_epi16(a.high, 8)};
 }
 
-LANES_INLINE Lanes Picked(const std::uint32_t* source, const std::int32_t* columns) {
-  const auto pixel = [=](int i) { return static_cast<std::int32_t>(source[columns[i]]); };
+LANES_INLINE Lanes Picked(const std::uint32_t* source, const std::int32_t* places) {
+  const auto pixel = [=](int i) { return static_cast<std::int32_t>(source[places[i]]); };
   return {_mm_setr_epi32(pixel(0), pixel(1), pixel(2), pixel(3)),
           _mm_setr_epi32(pixel(4), pixel(5), pixel(6), pixel(7))};
 }

@@ -175,6 +175,8 @@ TEST(FixedWeights, AreMeansOnlyWhenAllListsAre) {
       {"ones", {{0, Ones(3)}, {2, Ones(1)}, {2, Ones(4)}}, true},
       {"ones and no taps", {{0, Ones(3)}, {0, {}}, {2, Ones(4)}}, true},
       {"no taps", {{0, {}}, {0, {}}}, true},
+      {"single ones", {{0, Ones(1)}, {1, Ones(1)}}, true},
+      {"ones of which all are halved and halved", {{0, Ones(2)}, {2, Ones(8)}}, false},
       {"a two", {{0, Ones(3)}, {2, {2.0F}}}, false},
       {"a gap", {{0, Ones(3)}, {2, {1, 0, 1}}}, false},
       {"nearly a one", {{0, {1.0F, 0.99999994F}}}, false},
@@ -189,10 +191,17 @@ TEST(FixedWeights, AreMeansOnlyWhenAllListsAre) {
   }
 }
 
+// From 2 on, numbers of pixels that are halved and halved need no means.
 TEST(FixedWeights, AreMeansOfAtMost4096Pixels) {
-  for (const int count : {4095, 4096, 4097, 5000}) {
-    const BuiltLists lists(kBox, count, 1, Axis::kAlongRows);
-    EXPECT_EQ(FixedLists(lists, count).fixed.areMeans, count <= 4096) << count;
+  const struct {
+    int count;
+    Rounding rounding;
+  } cases[] = {{1, Rounding::kMean},     {2, Rounding::kExact},      {3, Rounding::kMean},
+               {1023, Rounding::kMean},  {1024, Rounding::kExact},   {4095, Rounding::kMean},
+               {4096, Rounding::kExact}, {4097, Rounding::kChecked}, {5000, Rounding::kChecked}};
+  for (const auto& c : cases) {
+    const BuiltLists lists(kBox, c.count, 1, Axis::kAlongRows);
+    EXPECT_EQ(RoundingOf(FixedLists(lists, c.count).fixed, 0, 1), c.rounding) << c.count;
   }
 }
 

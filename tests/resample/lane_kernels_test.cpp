@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "tests/resample/lane_stage.h"
 #include "tests/resample/tap_lists.h"
 
@@ -104,13 +106,14 @@ TEST(LaneKernels, AlongWritesWholeBlocksAndNoOthers) {
     const FixedLists fixed(lists, kWidth);
     const Piece piece = {0, count, RoundingOf(fixed.fixed, 0, count), fixed.fixed.heads[0].bits};
     for (const VectorLevel level : Levels()) {
+      OpenChannels counts;
       SpreadPair spread[(kWidth + 1) / 2];
       LaneKernelsFor(level)->spread(source.rows, PixelLayout::kRedFirst, kWidth, 0,
                                     (kWidth + 1) / 2, spread);
       // Four pairs of rows, of which each has a block more.
       std::vector<std::uint8_t> bytes(8 * sizeof(RingBlock), kUntouched);
       LaneKernelsFor(level)->along(fixed.fixed, spread, piece,
-                                   reinterpret_cast<RingBlock*>(bytes.data()), 2);
+                                   reinterpret_cast<RingBlock*>(bytes.data()), 2, counts);
       for (int k = 0; k < 8 * 48; ++k) {
         // Of each block three channels of eight columns of two rows.
         const int block = k / 48, channel = k / 16 % 3, column = k / 2 % 8;
@@ -140,8 +143,9 @@ TEST(LaneKernels, DownWritesThePieceOnly) {
       const Piece piece = {8 * random.Between(0, 3), count, RoundingOf(fixed.fixed, 0, 1),
                            fixed.fixed.heads[0].bits};
       for (const VectorLevel level : Levels()) {
+        OpenChannels counts;
         const PixelMemory result(Bytes(count), random.AnyGuard());
-        LaneKernelsFor(level)->down(fixed.fixed, pairs, piece, layout, Words(result));
+        LaneKernelsFor(level)->down(fixed.fixed, pairs, piece, layout, Words(result), counts);
         for (int i = 0; i < count; ++i) {
           std::uint32_t channels[3];
           for (int channel = 0; channel < 3; ++channel) {
@@ -162,30 +166,35 @@ TEST(LaneKernels, DownWritesThePieceOnly) {
   }
 }
 
-TEST(LaneKernels, PickRecoloursColumnsThatGrowBy0Or1) {
+// Eights may overlap; each reads eight pixels from its start on.
+TEST(LaneKernels, PickRecoloursEightsAndWritesNoOthers) {
+  constexpr int kWidth = 20, kResult = 37;
+  constexpr std::uint32_t kUntouched = 0x5A5A5A5A;
   Random random(35104003);
   for (const PixelLayout from : kLayouts) {
     for (const PixelLayout to : kLayouts) {
-      for (int count = 1; count <= 70; ++count) {
-        std::vector<std::int32_t> columns = {random.Between(0, 9)};
-        const int steps = random.Between(1, 4);  // of four
-        while (static_cast<int>(columns.size()) < count) {
-          columns.push_back(columns.back() + (random.Between(1, 4) <= steps ? 1 : 0));
+      for (int round = 0; round < 50; ++round) {
+        const EightRows source(kWidth, random);
+        std::vector<PickedEight> eights(static_cast<std::size_t>(random.Between(0, 4)));
+        std::vector<std::uint32_t> expected(kResult, kUntouched);
+        for (PickedEight& eight : eights) {
+          eight.first = random.Between(0, kResult - kLanes);
+          eight.start = random.Coin() ? kWidth - kLanes : random.Between(0, kWidth - kLanes);
+          for (int k = 0; k < kLanes; ++k) {
+            eight.places[k] = random.Between(0, kLanes - 1);
+            const std::uint32_t word = source.rows[0][eight.start + eight.places[k]];
+            expected[static_cast<std::size_t>(eight.first + k)] =
+                EncodeOpaque(to, Decode(from, word));
+          }
         }
-        const int width = columns.back() + 1;
-        std::int32_t reaching = 0;
-        while (reaching < count && columns[static_cast<std::size_t>(reaching)] + 8 <= width) {
-          ++reaching;
-        }
-        const EightRows source(width, random);
         for (const VectorLevel level : Levels()) {
-          const PixelMemory result(Bytes(count), random.AnyGuard());
-          LaneKernelsFor(level)->pick(source.rows[0], columns.data(), reaching, count,
+          const PixelMemory result(Bytes(kResult), random.AnyGuard());
+          std::fill_n(Words(result), kResult, kUntouched);
+          LaneKernelsFor(level)->pick(source.rows[0], eights.data(),
+                                      static_cast<std::int32_t>(eights.size()),
                                       RecolouringOf(from, to), Words(result));
-          for (int i = 0; i < count; ++i) {
-            const std::uint32_t word = source.rows[0][columns[static_cast<std::size_t>(i)]];
-            ASSERT_EQ(Words(result)[i], EncodeOpaque(to, Decode(from, word)))
-                << i << " of " << count << ", " << reaching << " reaching";
+          for (int i = 0; i < kResult; ++i) {
+            ASSERT_EQ(Words(result)[i], expected[static_cast<std::size_t>(i)]) << i;
           }
         }
       }

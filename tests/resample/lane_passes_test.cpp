@@ -156,7 +156,7 @@ TEST(LanePasses, AskTheDefinitionWhereSumsCannotTell) {
     const LaneCase c = {kLanczos3, {128, 128}, {64, 64}, picture};
     ASSERT_EQ(Difference(c, random, counts), "");
     const bool alongRows = picture == Picture::kColumns;
-    const LanePasses::OpenTotals& open = alongRows ? counts.along : counts.down;
+    const OpenChannels& open = alongRows ? counts.along : counts.down;
     EXPECT_GT(open.fine, 1000);
     EXPECT_GE(open.coarse, open.fine);
   }

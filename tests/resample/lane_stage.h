@@ -103,7 +103,7 @@ class Source {
 
 // How many channels were left open, over several runs.
 struct OpenCounts {
-  LanePasses::OpenTotals along, down;
+  OpenChannels along, down;
 
   void Add(const LanePasses& lanes) {
     along.coarse += lanes.OpenAlong().coarse;

@@ -107,7 +107,8 @@ struct Observed {
   }
 };
 
-TEST(ScalingZVQ, GivesTheSameWithoutTheFurtherBlock) {
+// One that vector instructions need, and one more where pixels are only copied: each alone.
+TEST(ScalingZVQ, GivesTheSameWithoutTheFurtherBlocks) {
   if (!HasVectorInstructions()) {
     const std::size_t blocks = SizesOf({"", 1, 9, 7, 12, 5, 0, 0}).size();
     EXPECT_EQ(blocks, 1U + 1U + 12U + 5U) << "there is none";
@@ -115,19 +116,29 @@ TEST(ScalingZVQ, GivesTheSameWithoutTheFurtherBlock) {
   }
   const int sizes[][4] = {{9, 7, 12, 5}, {20, 30, 5, 40}, {33, 17, 16, 8}, {8, 8, 8, 8}};
   support::Random random(37104000);
+  int copied = 0;
   for (int mode = 1; mode <= 7; ++mode) {
     for (const auto& [fromWidth, fromHeight, width, height] : sizes) {
       const oracle::Image picture = random.Noise(fromWidth, fromHeight, 5);
       const Observed whole(mode, picture, width, height, 0);
-      const Observed without(mode, picture, width, height, 1 + 1 + width + 1);
       ASSERT_FALSE(whole.image.words.empty());
-      EXPECT_EQ(support::Difference(whole.image, without.image), "") << mode;
-      ASSERT_EQ(without.calls, whole.calls);
-      ASSERT_EQ(without.yields, 4 + height + 3);
       ASSERT_EQ(whole.yields, 4 + height + 3);
-      ASSERT_EQ(without.allocations, whole.allocations);
+      const int columns = 1 + 1 + width;  // the image, and the lists
+      const int rows = height + (height > width ? 1 : 0);
+      const int further = whole.allocations - columns - rows;
+      ASSERT_TRUE(further == 1 || further == 2) << further;
+      copied += further - 1;
+      for (int failing = 1; failing <= further; ++failing) {
+        const Observed without(mode, picture, width, height, columns + failing);
+        EXPECT_EQ(support::Difference(whole.image, without.image), "") << mode;
+        ASSERT_EQ(without.calls, whole.calls);
+        ASSERT_EQ(without.yields, whole.yields);
+        // Without the first one there is no use for the other.
+        ASSERT_EQ(without.allocations, columns + rows + failing);
+      }
     }
   }
+  EXPECT_GE(copied, 2) << "of sizes and modes";
 }
 
 TEST(ScalingZVQ, GivesBackAllItsMemoryWhicheverBlockFails) {
