@@ -17,7 +17,7 @@ struct Piece {
   std::int32_t bits;  // of all its lists
 };
 inline constexpr std::int32_t kLanes = 8;          // rows along which a kernel filters at once
-inline constexpr std::int32_t kLongestAlong = 64;  // columns
+inline constexpr std::int32_t kLongestAlong = 32;  // columns
 inline constexpr std::int32_t kLongestDown = 512;
 inline constexpr std::int32_t kMostPlaces = 64;  // of columns along, of eight columns down
 

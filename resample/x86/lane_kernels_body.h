@@ -36,20 +36,22 @@ LANES_INLINE void StoreFour(Lanes a, Lanes b, Lanes c, Lanes d, SpreadPair* pair
   StorePair<layout>(WeaveLow64(upperAb, upperCd), WeaveHigh64(upperAb, upperCd), pairs[1]);
 }
 
-inline constexpr std::int32_t kLineOfPixels = 16;
-inline constexpr std::int32_t kAhead =
-    8 * kLineOfPixels;  // what seemed best, of some that were tried
+// Has pixels of eight rows fetched, once for each cache line, before they are needed.
+LANES_INLINE void FetchAhead(const std::uint32_t* const rows[kLanes], std::int32_t x) {
+  constexpr std::int32_t kLineOfPixels = 16;
+  constexpr std::int32_t kAhead = 16 * kLineOfPixels;  // what seemed best, of some that were tried
+  if (x % kLineOfPixels != 0) return;
+  for (std::int32_t row = 0; row < kLanes; ++row) {
+    _mm_prefetch(reinterpret_cast<const char*>(rows[row] + x + kAhead), _MM_HINT_T0);
+  }
+}
 
 template <PixelLayout layout>
 LANES_FUNCTION void SpreadAs(const std::uint32_t* const rows[kLanes], std::int32_t width,
                              std::int32_t first, std::int32_t last, SpreadPair* pairs) {
   std::int32_t x = 2 * first;
   for (; x + 4 <= 2 * last && x + 4 <= width; x += 4) {
-    if (x % kLineOfPixels == 0) {
-      for (std::int32_t row = 0; row < kLanes; ++row) {
-        _mm_prefetch(reinterpret_cast<const char*>(rows[row] + x + kAhead), _MM_HINT_T0);
-      }
-    }
+    FetchAhead(rows, x);
     StoreFour<layout>(LoadHalves(rows[0] + x, rows[4] + x), LoadHalves(rows[1] + x, rows[5] + x),
                       LoadHalves(rows[2] + x, rows[6] + x), LoadHalves(rows[3] + x, rows[7] + x),
                       pairs + x / 2);

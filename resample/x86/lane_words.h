@@ -1,5 +1,5 @@
-// How eight lanes of channels become pixel words. Included by the files that say, by including
-// lanes_sse2.h or lanes_avx2.h first, what Lanes are.
+// How eight lanes of channels become pixel words. Included by the files that say, by
+// including lanes_sse2.h or lanes_avx2.h first, what Lanes are.
 #pragma once
 
 #include <cstdint>
