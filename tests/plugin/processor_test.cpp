@@ -29,14 +29,19 @@ TEST(Processor, HasTheLevelThatTheSystemSays) {
   VectorLevel expected = VectorLevel::kScalar;
   if (SystemSays("sse2")) expected = VectorLevel::kSse2;
   if (SystemSays("ssse3") && SystemSays("sse4_1")) expected = VectorLevel::kSse41;
-  if (expected == VectorLevel::kSse41 && SystemSays("avx2")) expected = VectorLevel::kAvx2;
+  if (expected == VectorLevel::kSse41 && SystemSays("avx2") && SystemSays("fma") &&
+      SystemSays("f16c")) {
+    expected = VectorLevel::kAvx2;
+  }
   EXPECT_EQ(BestVectorLevel(), expected);
 }
 
 TEST(Processor, HasWhatTheCompilersLibrarySays) {
   __builtin_cpu_init();
   EXPECT_EQ(BestVectorLevel() >= VectorLevel::kSse2, __builtin_cpu_supports("sse2") != 0);
-  EXPECT_EQ(BestVectorLevel() >= VectorLevel::kAvx2, __builtin_cpu_supports("avx2") != 0);
+  const bool supported =
+      __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("fma") != 0;
+  EXPECT_EQ(BestVectorLevel() >= VectorLevel::kAvx2, supported);
 }
 
 #else
