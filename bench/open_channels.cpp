@@ -1,5 +1,5 @@
-// Counts how many channels of a resampling the coarse weights left open, and how many of those the
-// fine ones did: what the definition had to decide. Reads works (work.h) from standard input, a
+// Counts how many channels of a resampling their first sums left open, and how many the definition
+// had to decide in the end. Reads works (work.h) from standard input, a
 // line each, and answers with four shares: along rows and down columns, coarse and fine.
 #include <cstddef>
 #include <cstdint>

@@ -38,14 +38,15 @@ void FixTaps(const ContributionList& list, double factor, const Place& place) {
   }
 }
 
-// What all roundings of a sum of scaled weights may take, if it starts with `start`.
+// What all roundings of a sum of scaled weights may take, if it starts with at most `start`.
 double RoundingErrors(const ContributionList& list, double factor, double start) {
-  double sum = start;
+  double most = start, least = 0.0;  // that the sum can be
   double errors = 0.0;
   for (std::int32_t k = 0; k < list.count; ++k) {
-    const double product = kLargest * std::fabs(list.entries[k].weight * factor);
-    sum += product;
-    errors += (sum + product) * kStep;  // of the addition, and of the weight
+    const double product = kLargest * (list.entries[k].weight * factor);
+    (product > 0.0 ? most : least) += product;
+    const double largest = most > -least ? most : -least;
+    errors += (largest + std::fabs(product)) * kStep;  // of the addition, and of the weight
   }
   return errors;
 }

@@ -73,7 +73,7 @@ zimg_image_format FormatOf(int width, int height) {
 
 using Graph = std::shared_ptr<zimg_filter_graph>;
 
-Graph GraphFor(const Work& work, const Filter& filter) {
+Graph GraphFor(const Work& work, const Filter& filter, zimg_cpu_type_e instructions) {
   const zimg_image_format from = FormatOf(work.sourceWidth, work.sourceHeight);
   const zimg_image_format to = FormatOf(work.width, work.height);
   zimg_graph_builder_params parameters;
@@ -81,7 +81,7 @@ Graph GraphFor(const Work& work, const Filter& filter) {
   parameters.resample_filter = filter.kind;
   parameters.filter_param_a = filter.a;
   parameters.filter_param_b = filter.b;
-  parameters.cpu_type = ZIMG_CPU_AUTO_64B;
+  parameters.cpu_type = instructions;
   return {zimg_filter_graph_build(&from, &to, &parameters), zimg_filter_graph_free};
 }
 
@@ -174,11 +174,11 @@ class Task {
   zimg_image_buffer to_ = {ZIMG_API_VERSION, {}};
 };
 
-Peer Resampling(const char* name, Planned planned) {
+Peer Resampling(const char* name, zimg_cpu_type_e instructions, Planned planned) {
   return {name, [=](const Work& work, Scene& scene) -> Act {
             const std::optional<Filter> filter = FilterFor(work);
             if (!filter) return {};
-            Graph graph = GraphFor(work, *filter);
+            Graph graph = GraphFor(work, *filter, instructions);
             if (!graph) return {};
             const auto task = std::make_shared<Task>(work, scene, std::move(graph), planned);
             if (!task->Run()) return {};
@@ -186,8 +186,12 @@ Peer Resampling(const char* name, Planned planned) {
           }};
 }
 
+// With registers of 32 bytes at most, and with those of 64 where the processor has them.
 const bool kRegistered =
-    Register({Resampling("zimg", Planned::kWhole), Resampling("zimg by rows", Planned::kByRows)});
+    Register({Resampling("zimg", ZIMG_CPU_AUTO, Planned::kWhole),
+              Resampling("zimg by rows", ZIMG_CPU_AUTO, Planned::kByRows),
+              Resampling("zimg 64", ZIMG_CPU_AUTO_64B, Planned::kWhole),
+              Resampling("zimg 64 by rows", ZIMG_CPU_AUTO_64B, Planned::kByRows)});
 
 }  // namespace
 
