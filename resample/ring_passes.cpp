@@ -4,9 +4,10 @@ namespace {
 
 constexpr std::uint64_t kMebibyte = std::uint64_t{1} << 20;
 
+// Of at least one pixel.
 template <typename Numbers>
 std::int32_t UnitsOf(std::int32_t pixels) {
-  return pixels / Numbers::kPixels + pixels % Numbers::kPixels;
+  return (pixels - 1) / Numbers::kPixels + 1;
 }
 std::int32_t Smaller(std::int32_t a, std::int32_t b) { return a < b ? a : b; }
 std::uint64_t Count(std::int32_t count) { return static_cast<std::uint64_t>(count); }

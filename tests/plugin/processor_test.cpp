@@ -39,8 +39,7 @@ TEST(Processor, HasTheLevelThatTheSystemSays) {
 TEST(Processor, HasWhatTheCompilersLibrarySays) {
   __builtin_cpu_init();
   EXPECT_EQ(BestVectorLevel() >= VectorLevel::kSse2, __builtin_cpu_supports("sse2") != 0);
-  const bool supported =
-      __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("fma") != 0;
+  const bool supported = __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("fma") != 0;
   EXPECT_EQ(BestVectorLevel() >= VectorLevel::kAvx2, supported);
 }
 
