@@ -32,6 +32,7 @@ bool MeansAreOfRows(const RowTask& task) {
 
 // The four bytes' means, each rounded down.
 std::uint32_t MeanWord(const std::uint32_t* pixels, std::int32_t count) {
+  if (count == 1) return *pixels;
   std::uint32_t result = 0;
   for (int shift = 0; shift < 32; shift += 8) {
     std::uint32_t sum = 0;
