@@ -7,6 +7,10 @@ namespace {
 
 std::int32_t Smaller(std::int32_t a, std::int32_t b) { return a < b ? a : b; }
 
+std::int32_t EightsIn(std::int32_t columns) {
+  return columns / kLanes + (columns % kLanes > 0 ? 1 : 0);
+}
+
 // Whether a list takes over one pixel as it is.
 bool IsCopy(const ContributionList& list) {
   return list.count == 1 && list.entries[0].weight == 1.0F && list.total == 1.0F;
@@ -25,18 +29,23 @@ bool AreCopies(const ContributionLists& lists) {
 
 }  // namespace
 
+std::uint64_t CopiedRows::BytesFor(const PictureReader& reader, const ContributionLists& columns,
+                                   VectorLevel level) {
+  const bool possible = LaneKernelsFor(level) != nullptr && reader.Layout() != PixelLayout::kNone &&
+                        columns.Count() >= kLanes && reader.width >= kLanes && AreCopies(columns);
+  return possible ? static_cast<std::uint64_t>(EightsIn(columns.Count())) * sizeof(PickedEight) : 0;
+}
+
 bool CopiedRows::Prepare(const PictureReader& reader, const ContributionLists& columns,
                          VectorLevel level) {
-  kernels_ = LaneKernelsFor(level);
-  if (kernels_ == nullptr || reader.Layout() == PixelLayout::kNone || !AreCopies(columns)) {
-    return false;
-  }
-  width_ = columns.Count();
-  if (width_ < kLanes || reader.width < kLanes) return false;
-  reader_ = &reader;
-  count_ = width_ / kLanes + (width_ % kLanes > 0 ? 1 : 0);
-  eights_ = ZeroedBlock<PickedEight>(static_cast<std::uint64_t>(count_) * sizeof(PickedEight));
+  const std::uint64_t bytes = BytesFor(reader, columns, level);
+  if (bytes == 0) return false;
+  eights_ = ZeroedBlock<PickedEight>(bytes);
   if (!eights_) return false;
+  kernels_ = LaneKernelsFor(level);
+  reader_ = &reader;
+  width_ = columns.Count();
+  count_ = EightsIn(width_);
   const auto pixel = [&columns](std::int32_t x) { return columns[x].entries[0].pixel; };
   for (std::int32_t i = 0; i < count_; ++i) {
     PickedEight& eight = eights_[i];
@@ -50,7 +59,10 @@ bool CopiedRows::Prepare(const PictureReader& reader, const ContributionLists& c
 }
 
 bool CopiedRows::CopyRow(const ContributionList& list, PixelLayout layout, std::uint32_t* result) {
-  if (!IsCopy(list) || layout == PixelLayout::kNone) return false;
+  if (!IsCopy(list) || layout == PixelLayout::kNone) {
+    last_ = {};
+    return false;
+  }
   const std::int32_t row = list.entries[0].pixel;
   if (last_.result != nullptr && last_.row == row && last_.layout == layout) {
     std::memcpy(result, last_.result, static_cast<std::size_t>(width_) * sizeof *result);

@@ -12,6 +12,10 @@
 // For the host's thread only; a local object of one call, whose reader must outlive it.
 class CopiedRows {
  public:
+  // What Prepare requests, if it is possible but for memory; else 0.
+  static std::uint64_t BytesFor(const PictureReader& reader, const ContributionLists& columns,
+                                VectorLevel level);
+
   // Takes over what is needed of the columns' lists, which need not be kept after that. False, with
   // nothing done, unless each takes over one pixel as it is, the same as the column before it or
   // the next, both sides are at least eight pixels wide, and there are vector instructions and

@@ -50,7 +50,7 @@ std::int32_t WidestList(const ContributionList* lists, std::int32_t count);
 
 // Fills in `fixed`, whose `pairs` is WidestList and whose arrays have room for `count` lists and
 // are overwritten. sourceSize: pixels along the axis. Weights that no integers come near to leave
-// every channel open.
+// every channel open; none may be above 1e36.
 void FixWeights(const ContributionList* lists, std::int32_t count, std::int32_t sourceSize,
                 FixedWeights& fixed);
 

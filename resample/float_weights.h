@@ -44,8 +44,8 @@ struct FloatWeights {
 std::int32_t WidestListInPixels(const ContributionList* lists, std::int32_t count);
 
 // Fills in `floats`, whose `taps` is WidestListInPixels and whose arrays have room for `count`
-// lists and are overwritten. sourceSize: pixels along the axis. Weights that are many times their
-// total leave every channel open.
+// lists and are overwritten. sourceSize: pixels along the axis. No weight may be above 1e36.
+// Lists whose weights, signs aside, add up to 4 times their total or more leave every channel open.
 void FixFloats(const ContributionList* lists, std::int32_t count, std::int32_t sourceSize,
                Axis axis, FloatWeights& floats);
 

@@ -22,13 +22,15 @@ bool AreForFloats(const ContributionLists& columns, std::int32_t span) {
 
 bool LanePasses::Prepare(const PictureReader& reader, const ContributionLists& columns, void* image,
                          std::int32_t span, VectorLevel level) {
-  if (AreForFloats(columns, span) && floats_.Plan(reader, columns, image, span, level)) {
+  if (AreForFloats(columns, span) && floats_.Plan(reader, columns, image, span, level, 0)) {
     return floats_.Prepare(columns);
   }
-  if (!integers_.Plan(reader, columns, image, span, level) || !integers_.Prepare(columns)) {
+  const std::uint64_t copying = CopiedRows::BytesFor(reader, columns, level);
+  if (!integers_.Plan(reader, columns, image, span, level, copying) ||
+      !integers_.Prepare(columns)) {
     return false;
   }
-  copies_.Prepare(reader, columns, level);
+  if (copying > 0) copies_.Prepare(reader, columns, level);
   return true;
 }
 

@@ -23,7 +23,8 @@ inline constexpr std::int32_t kMostPlaces = 64;  // of columns along, of eight c
 
 inline constexpr std::int32_t kChannels = 3;  // red, green, blue, everywhere in this order
 
-// How many channels the first sums, and the finer ones, left open. Kernels add to it.
+// How many channels the first sums, and the finer ones, left open. Kernels add to it; those in
+// single precision all three of a pixel.
 struct OpenChannels {
   std::int64_t coarse = 0;
   std::int64_t fine = 0;

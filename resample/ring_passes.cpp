@@ -63,7 +63,8 @@ std::uint64_t RingPasses<Numbers>::Place(char* block) {
 
 template <typename Numbers>
 bool RingPasses<Numbers>::Plan(const PictureReader& reader, const ContributionLists& columns,
-                               void* image, std::int32_t span, VectorLevel level) {
+                               void* image, std::int32_t span, VectorLevel level,
+                               std::uint64_t beside) {
   kernels_ = Numbers::KernelsFor(level);
   if (kernels_ == nullptr || reader.Layout() == PixelLayout::kNone) return false;
   reader_ = &reader;
@@ -77,7 +78,7 @@ bool RingPasses<Numbers>::Plan(const PictureReader& reader, const ContributionLi
   const std::uint64_t ringBytes = RingBlocks() * sizeof(Block) + Room::kLine;
   const bool fits = ringBytes <= imageBytes;
   image_ = fits ? static_cast<char*>(image) : nullptr;
-  return Place(nullptr) + (fits ? ringBytes : 0) <= imageBytes + kMebibyte;
+  return beside + Place(nullptr) + (fits ? ringBytes : 0) <= imageBytes + kMebibyte;
 }
 
 template <typename Numbers>

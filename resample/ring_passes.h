@@ -21,9 +21,10 @@ class RingPasses {
   // reader's rows.
   //
   // False when there are no such instructions at this level, when the source has no layout, and
-  // when what is touched beside the ring would be more than 1 MiB above what is left of the image.
+  // when what is touched beside the ring, and `beside` bytes of others, would be more than 1 MiB
+  // above what is left of the image.
   bool Plan(const PictureReader& reader, const ContributionLists& columns, void* image,
-            std::int32_t span, VectorLevel level);
+            std::int32_t span, VectorLevel level, std::uint64_t beside);
 
   // After that, with the same lists: takes them over, so that they need not be kept. The image may
   // be the ring from now on. False, with nothing done, when memory is short.

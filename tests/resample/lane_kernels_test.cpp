@@ -6,14 +6,17 @@
 
 #include <algorithm>
 
-#include "tests/resample/lane_stage.h"
+#include "tests/resample/eight_rows.h"
 #include "tests/resample/tap_lists.h"
 
 namespace {
 
 using host::PixelMemory;
+using resample_tests::AlongChannel;
 using resample_tests::BuiltLists;
 using resample_tests::Bytes;
+using resample_tests::ChannelOf;
+using resample_tests::EightRows;
 using resample_tests::FixedLists;
 using resample_tests::kLanczos3;
 using resample_tests::kLayouts;
@@ -37,24 +40,6 @@ TEST(LaneKernels, EveryLevelHasItsOwn) {
 #if defined(__i386__) || defined(__x86_64__)
   EXPECT_EQ(LaneKernelsFor(VectorLevel::kSse41), LaneKernelsFor(VectorLevel::kSse2));
 #endif
-}
-
-// Eight rows of noise, each next to inaccessible memory.
-struct EightRows {
-  std::vector<PixelMemory> memory;
-  const std::uint32_t* rows[kLanes] = {};
-
-  EightRows(int width, Random& random) {
-    for (auto& row : rows) {
-      memory.emplace_back(Bytes(width), random.AnyGuard());
-      row = Words(memory.back());
-      for (int x = 0; x < width; ++x) Words(memory.back())[x] = random.Word();
-    }
-  }
-};
-
-std::uint32_t ChannelOf(Rgb colour, int channel) {
-  return channel == 0 ? colour.r : channel == 1 ? colour.g : colour.b;
 }
 
 TEST(LaneKernels, SpreadTakesPairsApartAndWritesNoOthers) {
@@ -84,16 +69,6 @@ TEST(LaneKernels, SpreadTakesPairsApartAndWritesNoOthers) {
       }
     }
   }
-}
-
-// A list's channel of pixels, as the passes add it up.
-std::uint32_t AlongChannel(const ContributionList& list, const std::uint32_t* row, int channel) {
-  double sum = 0.0;
-  for (std::int32_t k = 0; k < list.count; ++k) {
-    const Rgb colour = Decode(PixelLayout::kRedFirst, row[list.entries[k].pixel]);
-    sum += ChannelOf(colour, channel) * static_cast<double>(list.entries[k].weight);
-  }
-  return RoundedQuotient(sum, list.total);
 }
 
 TEST(LaneKernels, AlongWritesWholeBlocksAndNoOthers) {

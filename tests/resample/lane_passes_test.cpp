@@ -17,6 +17,7 @@ using resample_tests::kBox;
 using resample_tests::Kernel;
 using resample_tests::kKernels;
 using resample_tests::kLanczos3;
+using resample_tests::kLanczos8;
 using resample_tests::kLayouts;
 using resample_tests::kPictures;
 using resample_tests::kTriangle;
@@ -162,6 +163,42 @@ TEST(LanePasses, AskTheDefinitionWhereSumsCannotTell) {
   }
 }
 
+struct WayRow {
+  const Kernel& kernel;
+  Size from, to;
+  bool isFloat;  // where there is single precision
+};
+
+// Integers leave some channels to finer sums that single precision leaves to the definition.
+TEST(LanePasses, TakeSinglePrecisionForFewTapsThatIntegersLeaveOpen) {
+  const WayRow rows[] = {
+      {kLanczos3, {300, 200}, {150, 100}, true},  {kLanczos3, {150, 100}, {300, 200}, true},
+      {kLanczos3, {160, 110}, {170, 120}, true},  {kLanczos3, {900, 600}, {90, 60}, false},
+      {kLanczos8, {300, 200}, {150, 100}, false}, {kLanczos3, {300, 600}, {150, 30}, false}};
+  Random random(33104306);
+  for (const WayRow& row : rows) {
+    const Source source(row.from.width, row.from.height, PixelLayout::kRedFirst, Picture::kNoise,
+                        random);
+    const BuiltLists columns(row.kernel, row.from.width, row.to.width, Axis::kAlongRows);
+    const BuiltLists lists(row.kernel, row.from.height, row.to.height, Axis::kDownColumns);
+    const TapSearch search = row.kernel.search(row.from.height, row.to.height, Axis::kDownColumns);
+    const Comparison comparison(source, columns, lists, search.Span(row.from.height),
+                                PixelLayout::kBlueFirst, random);
+    for (const VectorLevel level : Levels()) {
+      OpenCounts counts;
+      ASSERT_EQ(comparison.FirstOtherRow(level, counts), Comparison::kSame);
+      const bool isFloat = row.isFloat && level >= VectorLevel::kAvx2;
+      const std::string text =
+          std::string(row.kernel.name) + ", " + std::to_string(row.from.width) + " -> " +
+          std::to_string(row.to.width) + ", level " + std::to_string(static_cast<int>(level));
+      for (const OpenChannels& open : {counts.along, counts.down}) {
+        EXPECT_GT(open.coarse, 0) << text;
+        EXPECT_EQ(open.coarse == open.fine, isFloat) << text;
+      }
+    }
+  }
+}
+
 // Means of many pixels that are halves, which round up, and those just below.
 TEST(LanePasses, RoundHalvesUpInMeansOfManyPixels) {
   constexpr int kOthers = 9;  // rows or columns beside each other
@@ -197,17 +234,60 @@ TEST(LanePasses, RoundHalvesUpInMeansOfManyPixels) {
 TEST(LanePasses, DoNotKeepTheListsOfTheColumns) {
   Random random(33104302);
   const Source source(20, 5, PixelLayout::kBlueFirst, Picture::kNoise, random);
-  const BuiltLists rows(kTriangle, 5, 1, Axis::kDownColumns);
+  for (const Kernel& kernel : kKernels) {
+    const BuiltLists rows(kernel, 5, 1, Axis::kDownColumns);
+    for (const VectorLevel level : Levels()) {
+      BuiltLists columns(kernel, 20, 9, Axis::kAlongRows);
+      std::uint32_t image[9 * 5], kept[9], cleared[9];
+      LanePasses first, second;
+      ASSERT_TRUE(first.Prepare(source.reader, columns, image, 5, level));
+      first.FilterRow(rows[0], PixelLayout::kRedFirst, kept);
+      ASSERT_TRUE(second.Prepare(source.reader, columns, image, 5, level));
+      columns.Clear();
+      second.FilterRow(rows[0], PixelLayout::kRedFirst, cleared);
+      EXPECT_EQ(std::memcmp(kept, cleared, sizeof kept), 0) << kernel.name;
+    }
+  }
+}
+
+// Lists of columns that memory was short for are empty, and those beside them are not.
+TEST(LanePasses, AreThePassesAsDefinedWhereColumnsAreMissing) {
+  Random random(33104307);
+  OpenCounts counts;
+  const Source source(400, 9, PixelLayout::kAlphaFirst, Picture::kNoise, random);
+  for (const Kernel& kernel : kKernels) {
+    const BuiltLists rows(kernel, 9, 12, Axis::kDownColumns);
+    for (const int to : {200, 300, 400, 500}) {
+      for (int round = 0; round < 8; ++round) {
+        BuiltLists columns(kernel, 400, to, Axis::kAlongRows);
+        const int first = random.Between(0, to - 1);
+        const int last = round % 2 == 0 ? first : random.Between(first, to - 1);
+        for (std::int32_t i = first; i <= last; ++i) {
+          const_cast<ContributionList&>(columns[i]).count = 0;
+          const_cast<ContributionList&>(columns[i]).total = 0.0F;
+        }
+        const Comparison comparison(source, columns, rows, 9, PixelLayout::kRedFirst, random);
+        for (const VectorLevel level : Levels()) {
+          ASSERT_EQ(comparison.FirstOtherRow(level, counts), Comparison::kSame)
+              << kernel.name << ", 400 -> " << to << " without " << first << ".." << last
+              << ", level " << static_cast<int>(level);
+        }
+      }
+    }
+  }
+}
+
+// Only what was written by the call before must still be there.
+TEST(LanePasses, CopyNoRowThatMayBeGone) {
+  Random random(33104308);
+  OpenCounts counts;
+  const Source source(40, 5, PixelLayout::kRedFirst, Picture::kNoise, random);
+  const BuiltLists columns(kBox, 40, 80, Axis::kAlongRows);
+  const HandMadeLists rows(
+      {{1, {1.0F}}, {1, {0.5F, 0.5F}}, {1, {1.0F}}, {1, {1.0F}}, {1, {}}, {1, {1.0F}}});
+  const Comparison comparison(source, columns, rows, 2, PixelLayout::kRedFirst, random);
   for (const VectorLevel level : Levels()) {
-    BuiltLists columns(kTriangle, 20, 9, Axis::kAlongRows);
-    std::uint32_t image[9 * 5], kept[9], cleared[9];
-    LanePasses first, second;
-    ASSERT_TRUE(first.Prepare(source.reader, columns, image, 5, level));
-    first.FilterRow(rows[0], PixelLayout::kRedFirst, kept);
-    ASSERT_TRUE(second.Prepare(source.reader, columns, image, 5, level));
-    columns.Clear();
-    second.FilterRow(rows[0], PixelLayout::kRedFirst, cleared);
-    EXPECT_EQ(std::memcmp(kept, cleared, sizeof kept), 0);
+    EXPECT_EQ(comparison.FirstOtherRow(level, counts), Comparison::kSame);
   }
 }
 
@@ -215,17 +295,17 @@ TEST(LanePasses, DoNotKeepTheListsOfTheColumns) {
 TEST(LanePasses, RepeatARowInEachLayout) {
   Random random(33104305);
   const Source source(9, 5, PixelLayout::kRedFirst, Picture::kNoise, random);
-  const HandMadeLists columns({{0, {1.0F}}, {1, {1.0F}}, {2, {1.0F}}});
+  const BuiltLists columns(kTriangle, 9, 9, Axis::kAlongRows);
   const HandMadeLists rows({{3, {1.0F}}});
   const PixelLayout layouts[] = {PixelLayout::kBlueFirst, PixelLayout::kAlphaFirst,
                                  PixelLayout::kAlphaFirst, PixelLayout::kRedFirst};
   for (const VectorLevel level : Levels()) {
-    std::uint32_t image[3 * 5], result[std::size(layouts)][3];
+    std::uint32_t image[9 * 5], result[std::size(layouts)][9];
     LanePasses lanes;
     ASSERT_TRUE(lanes.Prepare(source.reader, columns, image, 1, level));
     for (std::size_t i = 0; i < std::size(layouts); ++i) {
       lanes.FilterRow(rows[0], layouts[i], result[i]);
-      for (std::int32_t x = 0; x < 3; ++x) {
+      for (std::int32_t x = 0; x < 9; ++x) {
         const Rgb colour = Decode(PixelLayout::kRedFirst, source.Row(3)[x]);
         EXPECT_EQ(result[i][x], EncodeOpaque(layouts[i], colour)) << i;
       }
@@ -236,15 +316,17 @@ TEST(LanePasses, RepeatARowInEachLayout) {
 TEST(LanePasses, WriteNothingWithoutALayout) {
   Random random(33104303);
   const Source source(20, 5, PixelLayout::kBlueFirst, Picture::kNoise, random);
-  const BuiltLists rows(kTriangle, 5, 1, Axis::kDownColumns);
-  const BuiltLists columns(kTriangle, 20, 9, Axis::kAlongRows);
-  for (const VectorLevel level : Levels()) {
-    std::uint32_t image[9 * 5];
-    std::uint32_t result[9] = {1, 2, 3, 4, 5, 6, 7, 8, 9};
-    LanePasses lanes;
-    ASSERT_TRUE(lanes.Prepare(source.reader, columns, image, 5, level));
-    lanes.FilterRow(rows[0], PixelLayout::kNone, result);
-    for (std::uint32_t x = 0; x < 9; ++x) EXPECT_EQ(result[x], x + 1);
+  for (const Kernel& kernel : kKernels) {
+    const BuiltLists rows(kernel, 5, 1, Axis::kDownColumns);
+    const BuiltLists columns(kernel, 20, 9, Axis::kAlongRows);
+    for (const VectorLevel level : Levels()) {
+      std::uint32_t image[9 * 5];
+      std::uint32_t result[9] = {1, 2, 3, 4, 5, 6, 7, 8, 9};
+      LanePasses lanes;
+      ASSERT_TRUE(lanes.Prepare(source.reader, columns, image, 5, level));
+      lanes.FilterRow(rows[0], PixelLayout::kNone, result);
+      for (std::uint32_t x = 0; x < 9; ++x) EXPECT_EQ(result[x], x + 1);
+    }
   }
 }
 
