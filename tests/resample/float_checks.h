@@ -12,6 +12,10 @@
 
 namespace resample_tests {
 
+inline Axis AnyAxis(support::Random& random) {
+  return random.Coin() ? Axis::kAlongRows : Axis::kDownColumns;
+}
+
 // How often each answer was given.
 struct FloatTally {
   long lists = 0, exact = 0, moved = 0, twins = 0;
