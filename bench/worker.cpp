@@ -16,25 +16,29 @@ namespace {
 // Works that take less than this are repeated for so long.
 constexpr double kRepeatedMilliseconds = 5;
 
-// The mean of as many as fill the time. The first is not counted: it makes the pictures, and leaves
-// the caches as every later one finds them, for quick candidates and slow ones alike.
-Taken RunRepeatedly(const Run& run, const Work& work) {
+// The mean of as many runs as fill the time.
+Taken RunForAWhile(const Run& run, const Work& work) {
   using Clock = std::chrono::steady_clock;
-  const Taken first = run(work);
-  if (first.outcome != Outcome::kDone) return first;
   Taken sum = {Outcome::kDone};
+  int runs = 0;
   const auto start = Clock::now();
-  int repetitions = 0;
   std::chrono::duration<double, std::milli> passed{};
   while (passed.count() < kRepeatedMilliseconds) {
     const Taken next = run(work);
     if (next.outcome != Outcome::kDone) return next;
     sum.milliseconds += next.milliseconds;
     sum.faults += next.faults;
-    ++repetitions;
+    ++runs;
     passed = Clock::now() - start;
   }
-  return {Outcome::kDone, sum.milliseconds / repetitions, sum.faults / repetitions};
+  return {Outcome::kDone, sum.milliseconds / runs, sum.faults / runs};
+}
+
+// What the candidate before left in the caches gives way to what this one needs, for quick
+// candidates and slow ones alike, before it counts.
+Taken RunWarm(const Run& run, const Work& work) {
+  const Taken first = RunForAWhile(run, work);
+  return first.outcome == Outcome::kDone ? RunForAWhile(run, work) : first;
 }
 
 // The one in the middle of `count`.
@@ -112,7 +116,7 @@ int Serve(const std::vector<Candidate>& candidates) {
     try {
       const Run& run = request.candidate->run;
       Answer(request.count > 0 ? RunCounted(run, *request.work, request.count)
-                               : RunRepeatedly(run, *request.work));
+                               : RunWarm(run, *request.work));
     } catch (const std::bad_alloc&) {
       Answer({Outcome::kDoesNotFit});
     }
