@@ -39,6 +39,7 @@ inline constexpr const Kernel& kTriangle = kKernels[0];
 inline constexpr const Kernel& kBox = kKernels[1];
 inline constexpr const Kernel& kLanczos3 = kKernels[2];
 inline constexpr const Kernel& kLanczos8 = kKernels[3];
+inline constexpr const Kernel& kMitchell = kKernels[4];
 inline constexpr const Kernel& kBicubic = kKernels[5];
 
 // The lists of a kernel.
