@@ -70,9 +70,9 @@ FLOAT_FUNCTION void SpreadAs(const std::uint32_t* const rows[kLanes], std::int32
   }
 }
 
-VARNELL_AVX2_FMA void Spread(const std::uint32_t* const rows[kLanes], PixelLayout layout,
-                             std::int32_t width, std::int32_t first, std::int32_t last,
-                             FloatColumn* columns) {
+FLOAT_FUNCTION void Spread(const std::uint32_t* const rows[kLanes], PixelLayout layout,
+                           std::int32_t width, std::int32_t first, std::int32_t last,
+                           FloatColumn* columns) {
   switch (layout) {
     case PixelLayout::kRedFirst:
       return SpreadAs<PixelLayout::kRedFirst>(rows, width, first, last, columns);

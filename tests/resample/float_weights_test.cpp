@@ -30,7 +30,7 @@ constexpr float kLightest = std::numeric_limits<float>::denorm_min();
 
 constexpr std::int32_t kChannel = 1 << kFloatBits;  // one channel value, in sums
 
-constexpr std::int32_t kNarrow = kChannel / 200;
+constexpr std::int32_t kNarrowWindow = kChannel / 200;
 
 TEST(FloatWeights, KeepTheirPromisesForEveryKernelAtSmallSizes) {
   Random random(36104000);
@@ -72,7 +72,7 @@ TEST(FloatWeights, HaveNarrowWindowsForFewTaps) {
         if (checks.Floats().taps > 18) continue;
         ++narrow;
         EXPECT_EQ(tally.alwaysOpen, 0);
-        EXPECT_LT(tally.largestWindow, kNarrow)
+        EXPECT_LT(tally.largestWindow, kNarrowWindow)
             << kernel.name << ", " << source << " -> " << result;
       }
     }
@@ -144,7 +144,7 @@ std::string WindowFault(const ListRow& row, std::int32_t window) {
     case ListRow::kExact:
       return window == 0 ? "" : "not exact";
     case ListRow::kNarrow:
-      return window > 0 && window < kNarrow ? "" : "not narrow: " + std::to_string(window);
+      return window > 0 && window < kNarrowWindow ? "" : "not narrow: " + std::to_string(window);
     case ListRow::kAlwaysOpen:
       return window >= kChannel ? "" : "not open";
     case ListRow::kAny:
