@@ -1,6 +1,6 @@
 // Counts how many channels of a resampling their first sums left open, and how many the definition
-// had to decide in the end. Reads works (work.h) from standard input, a
-// line each, and answers with four shares: along rows and down columns, coarse and fine.
+// had to decide in the end. Reads works (work.h) from standard input, a line each, and answers with
+// four shares: along rows and down columns, of the first sums and of the definition.
 #include <cstddef>
 #include <cstdint>
 #include <iostream>

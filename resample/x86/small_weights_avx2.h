@@ -84,8 +84,9 @@ LANES_FUNCTION void FilterDownSixteens(const SmallWeights& small, const RingBloc
 }
 
 template <PixelLayout layout>
-LANES_FUNCTION void FilterDownBy(const SmallWeights& small, std::int32_t pairs,
-                                 const RingBlock* const* rows, Piece piece, std::uint32_t* result) {
+LANES_FUNCTION void FilterDownByPairs(const SmallWeights& small, std::int32_t pairs,
+                                      const RingBlock* const* rows, Piece piece,
+                                      std::uint32_t* result) {
   switch (pairs) {
     case 1:
       return FilterDownSixteens<layout, 1>(small, rows, piece, result);
@@ -107,13 +108,13 @@ LANES_FUNCTION std::int32_t FilterDownBySmallWeights(const FixedWeights& list,
   piece.count -= piece.count % (2 * kLanes);
   switch (layout) {
     case PixelLayout::kRedFirst:
-      FilterDownBy<PixelLayout::kRedFirst>(small, list.pairs, pairs, piece, result);
+      FilterDownByPairs<PixelLayout::kRedFirst>(small, list.pairs, pairs, piece, result);
       break;
     case PixelLayout::kAlphaFirst:
-      FilterDownBy<PixelLayout::kAlphaFirst>(small, list.pairs, pairs, piece, result);
+      FilterDownByPairs<PixelLayout::kAlphaFirst>(small, list.pairs, pairs, piece, result);
       break;
     default:
-      FilterDownBy<PixelLayout::kBlueFirst>(small, list.pairs, pairs, piece, result);
+      FilterDownByPairs<PixelLayout::kBlueFirst>(small, list.pairs, pairs, piece, result);
       break;
   }
   return piece.count;
